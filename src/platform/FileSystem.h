@@ -1,0 +1,89 @@
+#pragma once
+
+#include "model/PhotoItem.h"
+#include "model/Result.h"
+
+#include <cstdint>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace kelvara {
+
+struct FileStatus {
+    enum class Kind { file, folder, other };
+    Kind kind = Kind::other;
+    std::int64_t size = 0; ///< Bytes.
+    std::optional<FileTime>
+        creationDate; ///< The earlier of birth and modification; see docs/architecture.md.
+};
+
+/// What the file system refused, and for which file.
+struct FileError {
+    FileURL url;
+    std::error_code code;
+
+    [[nodiscard]] bool wasCancelled() const { return code == std::errc::operation_canceled; }
+    friend bool operator==(const FileError&, const FileError&) = default;
+};
+
+/// One sentence for people: "“DSC_1.NEF” couldn't be opened: Permission denied."
+[[nodiscard]] std::string message(const FileError& error);
+
+/// Sees a folder tree entry by entry; see `FileSystem::walk`.
+class FolderWalkVisitor {
+public:
+    enum class Answer { pass, describe, stop };
+
+    virtual ~FolderWalkVisitor() = default;
+    /// Every entry, folders included, before anything but its name is known. `stop` ends the walk.
+    virtual Answer met(std::string_view name) = 0;
+    /// Follows a `describe` whose status could be read. `folder` is the path without a trailing slash.
+    virtual void described(std::string_view folder, std::string_view name, const FileStatus& status) = 0;
+};
+
+/// Files and folders. Every call blocks, so none of them belongs on the main thread; all may be called from
+/// several threads at once. Links are never followed, except the ones on the way to a folder, and a link
+/// that `readFile` or `writeFileAtomically` is given stands for the file it leads to and stays a link.
+class FileSystem {
+public:
+    virtual ~FileSystem() = default;
+
+    [[nodiscard]] virtual Result<FileStatus, FileError> status(const FileURL& url) const = 0;
+
+    /// Visits everything below `folder`, at any depth. Hidden entries and the insides of packages (folders
+    /// shown as one file) are left out. What can't be read inside is passed over; fails only where `folder`
+    /// itself can't be read.
+    virtual Result<void, FileError> walk(const FileURL& folder, FolderWalkVisitor& visitor) const = 0;
+
+    /// Reads a whole file; one over `maximumBytes` fails with `file_too_large` before it is read.
+    [[nodiscard]] virtual Result<std::string, FileError> readFile(const FileURL& url,
+                                                                  std::int64_t maximumBytes) const = 0;
+
+    /// Puts `bytes` in the place of `url`, new or existing, so that a crash or a power cut at any moment
+    /// leaves the old or the new file, whole. Keeps an existing file's mode, and its owner where allowed.
+    virtual Result<void, FileError> writeFileAtomically(const FileURL& url, std::string_view bytes) = 0;
+
+    /// Creates `folder` and what is missing above it; an existing folder is no error.
+    virtual Result<void, FileError> createFolders(const FileURL& folder) = 0;
+
+    /// Copies a file's bytes, modification time, permissions and extended attributes to `to`, which must not
+    /// exist, and makes them durable. Attributes that the volume of `to` can't hold are left out. A failed or
+    /// cancelled copy may leave `to` behind. Fails with `operation_canceled` soon after `stop` is requested.
+    /// The error names the file it came from: `from` could not be read, or `to` not be written.
+    virtual Result<void, FileError> copyFile(const FileURL& from, const FileURL& to,
+                                             std::stop_token stop) = 0;
+
+    /// Renames within one volume, durably; fails with `file_exists` rather than replace anything.
+    virtual Result<void, FileError> moveFile(const FileURL& from, const FileURL& to) = 0;
+
+    /// Erases one file.
+    virtual Result<void, FileError> removeFile(const FileURL& url) = 0;
+
+    /// Bytes that this user may still write on the volume of `folder`; empty when unknown.
+    [[nodiscard]] virtual std::optional<std::int64_t> availableCapacity(const FileURL& folder) const = 0;
+};
+
+} // namespace kelvara

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/FileSystem.h"
+
+namespace kelvara {
+
+/// Files through the Linux system calls: statx for birth times, getdents64 for fast walks, renameat2 so that
+/// nothing is ever replaced by accident.
+class LinuxFileSystem : public FileSystem {
+public:
+    [[nodiscard]] Result<FileStatus, FileError> status(const FileURL& url) const override;
+    Result<void, FileError> walk(const FileURL& folder, FolderWalkVisitor& visitor) const override;
+    [[nodiscard]] Result<std::string, FileError> readFile(const FileURL& url,
+                                                          std::int64_t maximumBytes) const override;
+    Result<void, FileError> writeFileAtomically(const FileURL& url, std::string_view bytes) override;
+    Result<void, FileError> createFolders(const FileURL& folder) override;
+    Result<void, FileError> copyFile(const FileURL& from, const FileURL& to, std::stop_token stop) override;
+    Result<void, FileError> moveFile(const FileURL& from, const FileURL& to) override;
+    Result<void, FileError> removeFile(const FileURL& url) override;
+    [[nodiscard]] std::optional<std::int64_t> availableCapacity(const FileURL& folder) const override;
+};
+
+} // namespace kelvara
