@@ -1,0 +1,144 @@
+#include "imaging/ColorProfile.h"
+
+#include <lcms2.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <functional>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace kelvara {
+namespace {
+
+struct CloseProfile {
+    void operator()(void* profile) const { cmsCloseProfile(profile); }
+};
+using ProfileHandle = std::unique_ptr<void, CloseProfile>;
+
+struct FreeCurve {
+    void operator()(cmsToneCurve* curve) const { cmsFreeToneCurve(curve); }
+};
+using Curve = std::unique_ptr<cmsToneCurve, FreeCurve>;
+
+/// IEC 61966-2-1.
+Curve sRGBCurve() {
+    const std::array<cmsFloat64Number, 5> parameters{2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
+    return Curve{cmsBuildParametricToneCurve(nullptr, 4, parameters.data())};
+}
+
+/// The profile as bytes, with the parts of the header that vary from run to run emptied.
+std::vector<std::uint8_t> serialised(cmsHPROFILE profile) {
+    cmsUInt32Number size = 0;
+    if (!cmsSaveProfileToMem(profile, nullptr, &size)) return {};
+    std::vector<std::uint8_t> icc(size);
+    if (!cmsSaveProfileToMem(profile, icc.data(), &size)) return {};
+    return icc;
+}
+
+std::vector<std::uint8_t> rgbProfile(const cmsCIExyYTRIPLE& primaries, cmsToneCurve* curve) {
+    const cmsCIExyY d65{0.3127, 0.3290, 1.0};
+    std::array<cmsToneCurve*, 3> curves{curve, curve, curve};
+    const ProfileHandle profile{cmsCreateRGBProfile(&d65, &primaries, curves.data())};
+    return profile ? serialised(profile.get()) : std::vector<std::uint8_t>{};
+}
+
+// The creation date of an ICC header.
+constexpr std::size_t dateStart = 24, dateEnd = 36, headerSize = 128;
+
+/// Whether an RGB profile is sRGB in all but name: cameras and programs write many variants of it.
+bool describesSRGB(cmsHPROFILE profile) {
+    // D50-adapted colorants, X Y Z of red, green and blue, and the tolerance of their published roundings.
+    constexpr std::array<double, 9> expected{0.4361, 0.2225, 0.0139, 0.3851, 0.7169,
+                                             0.0971, 0.1431, 0.0606, 0.7141};
+    constexpr double colorantTolerance = 0.002;
+    constexpr float curveTolerance = 0.003F;
+    constexpr std::array colorants{cmsSigRedColorantTag, cmsSigGreenColorantTag, cmsSigBlueColorantTag};
+    constexpr std::array curves{cmsSigRedTRCTag, cmsSigGreenTRCTag, cmsSigBlueTRCTag};
+    if (cmsIsTag(profile, cmsSigAToB0Tag)) return false;
+    const auto reference = sRGBCurve();
+    for (std::size_t i = 0; i < colorants.size(); ++i) {
+        const auto* colorant = static_cast<const cmsCIEXYZ*>(cmsReadTag(profile, colorants[i]));
+        const auto* curve = static_cast<const cmsToneCurve*>(cmsReadTag(profile, curves[i]));
+        if (!colorant || !curve) return false;
+        const std::array values{colorant->X, colorant->Y, colorant->Z};
+        for (std::size_t axis = 0; axis < values.size(); ++axis) {
+            if (std::abs(values[axis] - expected[i * 3 + axis]) > colorantTolerance) return false;
+        }
+        for (int step = 0; step <= 16; ++step) {
+            const float encoded = static_cast<float>(step) / 16;
+            const float difference =
+                cmsEvalToneCurveFloat(curve, encoded) - cmsEvalToneCurveFloat(reference.get(), encoded);
+            if (std::abs(difference) > curveTolerance) return false;
+        }
+    }
+    return true;
+}
+
+std::optional<ColorProfile::Model> usableModel(cmsHPROFILE profile) {
+    const auto device = cmsGetDeviceClass(profile);
+    if (device == cmsSigLinkClass || device == cmsSigNamedColorClass) return std::nullopt;
+    switch (cmsGetColorSpace(profile)) {
+    case cmsSigGrayData:
+        return ColorProfile::Model::grey;
+    case cmsSigRgbData:
+        return ColorProfile::Model::rgb;
+    case cmsSigCmykData:
+        return ColorProfile::Model::cmyk;
+    default:
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+ColorProfile::ColorProfile(std::vector<std::uint8_t> icc, Model model)
+    : m_icc{std::move(icc)}, m_model{model} {
+    // The date is a fact about the file, not about the colours.
+    if (m_icc.size() >= headerSize)
+        std::fill(m_icc.begin() + dateStart, m_icc.begin() + dateEnd, std::uint8_t{0});
+    m_hash = std::hash<std::string_view>{}({reinterpret_cast<const char*>(m_icc.data()), m_icc.size()});
+}
+
+bool operator==(const ColorProfile& a, const ColorProfile& b) {
+    return &a == &b || (a.m_hash == b.m_hash && a.m_icc == b.m_icc);
+}
+
+ColorProfilePtr ColorProfile::sRGB() {
+    static const ColorProfilePtr profile{[] {
+        const cmsCIExyYTRIPLE primaries{{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
+        return new ColorProfile{rgbProfile(primaries, sRGBCurve().get()), Model::rgb};
+    }()};
+    return profile;
+}
+
+ColorProfilePtr ColorProfile::displayP3() {
+    static const ColorProfilePtr profile{[] {
+        const cmsCIExyYTRIPLE primaries{{0.680, 0.320, 1}, {0.265, 0.690, 1}, {0.150, 0.060, 1}};
+        return new ColorProfile{rgbProfile(primaries, sRGBCurve().get()), Model::rgb};
+    }()};
+    return profile;
+}
+
+ColorProfilePtr ColorProfile::adobeRGB() {
+    static const ColorProfilePtr profile{[] {
+        const cmsCIExyYTRIPLE primaries{{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}};
+        const Curve gamma{cmsBuildGamma(nullptr, 563.0 / 256)};
+        return new ColorProfile{rgbProfile(primaries, gamma.get()), Model::rgb};
+    }()};
+    return profile;
+}
+
+ColorProfilePtr ColorProfile::fromIcc(std::span<const std::uint8_t> icc) {
+    if (icc.size() < headerSize || icc.size() > (std::size_t{64} << 20)) return nullptr;
+    const ProfileHandle profile{cmsOpenProfileFromMem(icc.data(), static_cast<cmsUInt32Number>(icc.size()))};
+    if (!profile) return nullptr;
+    const auto model = usableModel(profile.get());
+    if (!model) return nullptr;
+    if (*model == Model::rgb && describesSRGB(profile.get())) return sRGB();
+    return ColorProfilePtr{new ColorProfile{{icc.begin(), icc.end()}, *model}};
+}
+
+} // namespace kelvara

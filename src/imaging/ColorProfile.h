@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace kelvara {
+
+class ColorProfile;
+/// Immutable and shared; never null where a profile is required.
+using ColorProfilePtr = std::shared_ptr<const ColorProfile>;
+
+/// What the numbers of an image mean: an ICC profile, kept as its bytes. Thread-safe, as nothing in it
+/// changes.
+class ColorProfile {
+public:
+    enum class Model { grey, rgb, cmyk };
+
+    /// The common spaces; each call gives the same object.
+    [[nodiscard]] static ColorProfilePtr sRGB();
+    [[nodiscard]] static ColorProfilePtr displayP3();
+    [[nodiscard]] static ColorProfilePtr adobeRGB();
+
+    /// Null when the bytes are no profile of an input or display device. A profile that describes sRGB to
+    /// within rounding gives `sRGB()` itself, so that images in it need no conversion.
+    [[nodiscard]] static ColorProfilePtr fromIcc(std::span<const std::uint8_t> icc);
+
+    [[nodiscard]] const std::vector<std::uint8_t>& icc() const { return m_icc; }
+    [[nodiscard]] Model model() const { return m_model; }
+    [[nodiscard]] std::size_t hash() const { return m_hash; }
+
+    /// The same space, byte for byte; the creation date in the header does not count.
+    friend bool operator==(const ColorProfile& a, const ColorProfile& b);
+
+private:
+    ColorProfile(std::vector<std::uint8_t> icc, Model model);
+
+    std::vector<std::uint8_t> m_icc;
+    Model m_model;
+    std::size_t m_hash;
+};
+
+} // namespace kelvara

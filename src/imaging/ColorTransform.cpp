@@ -1,0 +1,95 @@
+#include "imaging/ColorTransform.h"
+
+#include <lcms2.h>
+
+#include <algorithm>
+#include <list>
+#include <mutex>
+
+namespace kelvara {
+namespace {
+
+struct CloseProfile {
+    void operator()(void* profile) const { cmsCloseProfile(profile); }
+};
+using ProfileHandle = std::unique_ptr<void, CloseProfile>;
+
+ProfileHandle open(const ColorProfile& profile) {
+    return ProfileHandle{
+        cmsOpenProfileFromMem(profile.icc().data(), static_cast<cmsUInt32Number>(profile.icc().size()))};
+}
+
+cmsUInt32Number format(ColorTransform::Input input) {
+    switch (input) {
+    case ColorTransform::Input::grey:
+        return TYPE_GRAY_8;
+    case ColorTransform::Input::bgrx:
+        return TYPE_BGRA_8;
+    case ColorTransform::Input::cmyk:
+        return TYPE_CMYK_8;
+    case ColorTransform::Input::invertedCmyk:
+        return TYPE_CMYK_8_REV;
+    }
+    return 0;
+}
+
+ColorProfile::Model model(ColorTransform::Input input) {
+    switch (input) {
+    case ColorTransform::Input::grey:
+        return ColorProfile::Model::grey;
+    case ColorTransform::Input::bgrx:
+        return ColorProfile::Model::rgb;
+    default:
+        return ColorProfile::Model::cmyk;
+    }
+}
+
+/// A folder's photos come from one or two cameras, so a handful of transforms serves them all.
+struct Kept {
+    ColorProfilePtr source;
+    ColorTransform::Input input;
+    ColorProfilePtr destination;
+    std::shared_ptr<const ColorTransform> transform; // null when there can be none
+};
+constexpr std::size_t mostKept = 16;
+
+} // namespace
+
+std::shared_ptr<const ColorTransform> ColorTransform::between(const ColorProfilePtr& source, Input input,
+                                                              const ColorProfilePtr& destination) {
+    static std::mutex mutex;
+    static std::list<Kept> all; // most recently used first
+    const std::lock_guard lock{mutex};
+    const auto found = std::find_if(all.begin(), all.end(), [&](const Kept& kept) {
+        return kept.input == input && *kept.source == *source && *kept.destination == *destination;
+    });
+    if (found != all.end()) {
+        all.splice(all.begin(), all, found);
+    } else {
+        all.push_front({source, input, destination, make(*source, input, *destination)});
+        if (all.size() > mostKept) all.pop_back();
+    }
+    return all.front().transform;
+}
+
+std::shared_ptr<const ColorTransform> ColorTransform::make(const ColorProfile& source, Input input,
+                                                           const ColorProfile& destination) {
+    if (source.model() != model(input) || destination.model() != ColorProfile::Model::rgb) return nullptr;
+    const auto from = open(source);
+    const auto to = open(destination);
+    if (!from || !to) return nullptr;
+    // Without the library's one-pixel memory the transform may be used by several threads.
+    const auto transform =
+        cmsCreateTransform(from.get(), format(input), to.get(), TYPE_BGRA_8, INTENT_RELATIVE_COLORIMETRIC,
+                           cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE);
+    if (!transform) return nullptr;
+    return std::shared_ptr<const ColorTransform>{new ColorTransform{transform}};
+}
+
+ColorTransform::~ColorTransform() { cmsDeleteTransform(m_transform); }
+
+void ColorTransform::convert(const std::uint8_t* from, std::uint8_t* to, std::size_t pixels) const {
+    cmsDoTransform(m_transform, from, to, static_cast<cmsUInt32Number>(pixels));
+}
+
+} // namespace kelvara

@@ -1,0 +1,133 @@
+#include "imaging/codecs/HeifSource.h"
+
+#include "imaging/AreaScaler.h"
+
+#include <libheif/heif.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace kelvara {
+namespace {
+
+struct Free {
+    void operator()(heif_context* context) const { heif_context_free(context); }
+    void operator()(heif_image_handle* handle) const { heif_image_handle_release(handle); }
+    void operator()(heif_image* image) const { heif_image_release(image); }
+    void operator()(heif_color_profile_nclx* profile) const { heif_nclx_color_profile_free(profile); }
+    void operator()(heif_decoding_options* options) const { heif_decoding_options_free(options); }
+};
+template <typename T> using Owned = std::unique_ptr<T, Free>;
+
+bool worked(const heif_error& error) { return error.code == heif_error_Ok; }
+
+PixelSize sizeOf(const heif_image_handle& handle) {
+    return {heif_image_handle_get_width(&handle), heif_image_handle_get_height(&handle)};
+}
+
+/// Null when the picture doesn't name its colours.
+ColorProfilePtr profileOf(const heif_image_handle& handle) {
+    const auto type = heif_image_handle_get_color_profile_type(&handle);
+    if (type == heif_color_profile_type_nclx) {
+        heif_color_profile_nclx* nclx = nullptr;
+        if (!worked(heif_image_handle_get_nclx_color_profile(&handle, &nclx))) return nullptr;
+        const Owned<heif_color_profile_nclx> owned{nclx};
+        const bool isP3 = nclx->color_primaries == heif_color_primaries_SMPTE_EG_432_1;
+        return isP3 ? ColorProfile::displayP3() : ColorProfile::sRGB();
+    }
+    std::vector<std::uint8_t> icc(heif_image_handle_get_raw_color_profile_size(&handle));
+    if (icc.empty() || !worked(heif_image_handle_get_raw_color_profile(&handle, icc.data()))) return nullptr;
+    auto profile = ColorProfile::fromIcc(icc);
+    return profile && profile->model() == ColorProfile::Model::rgb ? profile : nullptr;
+}
+
+/// The library turns and mirrors by the container's own properties, which EXIF only repeats; so sizes and
+/// pixels are upright already.
+class HeifSource : public ImageSource {
+public:
+    HeifSource(Owned<heif_context> context, Owned<heif_image_handle> primary)
+        : m_context{std::move(context)}, m_primary{std::move(primary)} {}
+
+    [[nodiscard]] std::optional<PixelSize> pixelSize() const override { return sizeOf(*m_primary); }
+    [[nodiscard]] Orientation orientation() const override { return {}; }
+
+    [[nodiscard]] BitmapPtr storedPreview(std::optional<int> maximum, const std::stop_token& stop) override {
+        const auto preview = choosePreview(maximum);
+        return preview ? decode(*preview, maximum, stop) : nullptr;
+    }
+
+    [[nodiscard]] BitmapPtr image(std::optional<int> maximum, const std::stop_token& stop) override {
+        return decode(*m_primary, maximum, stop);
+    }
+
+private:
+    [[nodiscard]] Owned<heif_image_handle> choosePreview(std::optional<int> maximum) const;
+    [[nodiscard]] BitmapPtr decode(const heif_image_handle& handle, std::optional<int> maximum,
+                                   const std::stop_token& stop) const;
+
+    Owned<heif_context> m_context;
+    Owned<heif_image_handle> m_primary;
+};
+
+Owned<heif_image_handle> HeifSource::choosePreview(std::optional<int> maximum) const {
+    const int count = std::clamp(heif_image_handle_get_number_of_thumbnails(m_primary.get()), 0, 16);
+    std::vector<heif_item_id> ids(static_cast<std::size_t>(count));
+    ids.resize(static_cast<std::size_t>(
+        heif_image_handle_get_list_of_thumbnail_IDs(m_primary.get(), ids.data(), count)));
+    Owned<heif_image_handle> best;
+    for (const auto id : ids) {
+        heif_image_handle* handle = nullptr;
+        if (!worked(heif_image_handle_get_thumbnail(m_primary.get(), id, &handle))) continue;
+        Owned<heif_image_handle> candidate{handle};
+        if (!best || isBetterPreview(sizeOf(*candidate), sizeOf(*best), maximum)) best = std::move(candidate);
+    }
+    return best;
+}
+
+BitmapPtr HeifSource::decode(const heif_image_handle& handle, std::optional<int> maximum,
+                             const std::stop_token& stop) const {
+    if (stop.stop_requested() || sizeOf(handle).pixels() > Bitmap::maximumPixels) return nullptr;
+    const Owned<heif_decoding_options> options{heif_decoding_options_alloc()};
+    options->convert_hdr_to_8bit = 1;
+    heif_image* decoded = nullptr;
+    if (!worked(heif_decode_image(&handle, &decoded, heif_colorspace_RGB, heif_chroma_interleaved_RGBA,
+                                  options.get()))) {
+        return nullptr;
+    }
+    const Owned<heif_image> image{decoded};
+    int stride = 0;
+    const auto* pixels = heif_image_get_plane_readonly(decoded, heif_channel_interleaved, &stride);
+    const PixelSize given{heif_image_get_width(decoded, heif_channel_interleaved),
+                          heif_image_get_height(decoded, heif_channel_interleaved)};
+    if (!pixels || given.isEmpty()) return nullptr;
+    auto profile = profileOf(handle);
+    if (!profile) profile = profileOf(*m_primary); // thumbnails leave it to their picture
+    if (!profile) profile = ColorProfile::sRGB();
+    const auto swapRow = [&](int y, std::uint8_t* to) {
+        const auto* from = pixels + std::ptrdiff_t{y} * stride;
+        for (int x = 0; x < given.width; ++x, from += 4, to += 4) {
+            to[0] = from[2];
+            to[1] = from[1];
+            to[2] = from[0];
+            to[3] = 255;
+        }
+        return true;
+    };
+    const auto wanted = maximum ? given.fittedTo(*maximum) : given;
+    return collectRows(given, wanted, std::move(profile), stop, swapRow);
+}
+
+} // namespace
+
+std::unique_ptr<ImageSource> openHeif(const FileURL& url) {
+    Owned<heif_context> context{heif_context_alloc()};
+    if (!context || !worked(heif_context_read_from_file(context.get(), url.path().c_str(), nullptr)))
+        return nullptr;
+    heif_image_handle* primary = nullptr;
+    if (!worked(heif_context_get_primary_image_handle(context.get(), &primary))) return nullptr;
+    return std::make_unique<HeifSource>(std::move(context), Owned<heif_image_handle>{primary});
+}
+
+} // namespace kelvara

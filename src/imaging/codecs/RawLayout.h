@@ -1,0 +1,30 @@
+#pragma once
+
+#include "imaging/Bitmap.h"
+#include "imaging/Orientation.h"
+#include "imaging/codecs/ByteSource.h"
+
+#include <optional>
+#include <vector>
+
+namespace kelvara {
+
+/// Where a RAW file keeps its previews, found by reading a few kilobytes of it: the directories of the
+/// formats that are TIFF within, and the fixed header of RAF.
+struct RawLayout {
+    struct Preview {
+        ByteRange jpeg;
+        PixelSize size; ///< As stored.
+        bool isAdobeRGB = false;
+    };
+
+    std::vector<Preview> previews;
+    std::optional<PixelSize> size;          ///< Of the RAW image itself, as stored.
+    std::optional<Orientation> orientation; ///< Of the RAW image and its previews.
+    bool isAdobeRGB = false;                ///< What the camera was set to; holds for previews.
+
+    /// All empty when the file is of another kind. Never follows a loop, and never leaves the file.
+    [[nodiscard]] static RawLayout read(const ByteRange& file);
+};
+
+} // namespace kelvara

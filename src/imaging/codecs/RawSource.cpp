@@ -1,0 +1,137 @@
+#include "imaging/codecs/RawSource.h"
+
+#include "imaging/AreaScaler.h"
+#include "imaging/codecs/ExifBlock.h"
+#include "imaging/codecs/JpegDecoder.h"
+#include "imaging/codecs/RawDeveloper.h"
+#include "imaging/codecs/RawLayout.h"
+
+#include <exiv2/exiv2.hpp>
+
+#include <exception>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+namespace kelvara {
+namespace {
+
+/// Exiv2's XMP parser has tables that all threads share, and asks for a lock around them.
+void lockXmp(void*, bool isLocking) {
+    static std::mutex mutex;
+    if (isLocking)
+        mutex.lock();
+    else
+        mutex.unlock();
+}
+
+/// The preview that serves the request best among those that Exiv2 knows of; for containers that neither the
+/// locator nor LibRaw can read. It reads much of the file, so it comes last.
+std::vector<std::uint8_t> previewByExiv2(const FileURL& url, std::optional<int> maximum) {
+    try {
+        static const bool isPrepared = [] {
+            Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute); // a broken file is no event here
+            Exiv2::XmpParser::initialize(lockXmp, nullptr);
+            return Exiv2::enableBMFF(true);
+        }();
+        static_cast<void>(isPrepared);
+        const auto image = Exiv2::ImageFactory::open(url.path());
+        image->readMetadata();
+        const Exiv2::PreviewManager manager{*image};
+        const auto sizeOf = [](const Exiv2::PreviewProperties& preview) {
+            return PixelSize{static_cast<int>(preview.width_), static_cast<int>(preview.height_)};
+        };
+        const Exiv2::PreviewProperties* best = nullptr;
+        const auto all = manager.getPreviewProperties();
+        for (const auto& preview : all) {
+            if (preview.mimeType_ != "image/jpeg") continue;
+            if (!best || isBetterPreview(sizeOf(preview), sizeOf(*best), maximum)) best = &preview;
+        }
+        if (!best) return {};
+        const auto chosen = manager.getPreviewImage(*best);
+        return {chosen.pData(), chosen.pData() + chosen.size()};
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+class RawSource : public ImageSource {
+public:
+    RawSource(FileURL url, RawLayout layout, std::unique_ptr<RawDeveloper> developer)
+        : m_url{std::move(url)}, m_layout{std::move(layout)}, m_developer{std::move(developer)} {}
+
+    [[nodiscard]] std::optional<PixelSize> pixelSize() const override {
+        if (m_layout.size || !m_developer) return m_layout.size;
+        return m_developer->size();
+    }
+
+    [[nodiscard]] Orientation orientation() const override {
+        if (m_layout.orientation || !m_developer) return m_layout.orientation.value_or(Orientation{});
+        return m_developer->orientation();
+    }
+
+    [[nodiscard]] BitmapPtr storedPreview(std::optional<int> maximum, const std::stop_token& stop) override {
+        const RawLayout::Preview* best = nullptr;
+        for (const auto& preview : m_layout.previews) {
+            if (!best || isBetterPreview(preview.size, best->size, maximum)) best = &preview;
+        }
+        if (best) {
+            if (auto bitmap = decode(best->jpeg, best->isAdobeRGB, maximum, stop)) return bitmap;
+        }
+        return stop.stop_requested() ? nullptr : previewByLibraries(maximum, stop);
+    }
+
+    [[nodiscard]] BitmapPtr image(std::optional<int> maximum, const std::stop_token& stop) override {
+        auto* developer = openDeveloper();
+        const auto developed = developer ? developer->develop(maximum, stop) : RawDeveloper::Development{};
+        m_developer.reset(); // develops once
+        if (developed.bitmap && !developed.isDamaged)
+            return turnedUpright(developed.bitmap, orientation(), stop);
+        // Of a file that breaks off, the camera's own preview shows more than half a development.
+        if (auto preview = storedPreview(maximum, stop)) return preview;
+        return turnedUpright(developed.bitmap, orientation(), stop);
+    }
+
+private:
+    RawDeveloper* openDeveloper() {
+        if (!m_developer) m_developer = RawDeveloper::open(m_url);
+        return m_developer.get();
+    }
+
+    BitmapPtr previewByLibraries(std::optional<int> maximum, const std::stop_token& stop) {
+        const auto* developer = openDeveloper();
+        auto preview = developer ? m_developer->preview() : RawDeveloper::Preview{};
+        if (preview.bitmap) {
+            if (maximum) preview.bitmap = scaledDown(preview.bitmap, *maximum);
+            return turnedUpright(preview.bitmap, orientation(), stop);
+        }
+        if (preview.jpeg.empty()) preview.jpeg = previewByExiv2(m_url, maximum);
+        return decode(ByteRange{ByteSource::ofMemory(std::move(preview.jpeg))}, m_layout.isAdobeRGB, maximum,
+                      stop);
+    }
+
+    BitmapPtr decode(const ByteRange& jpeg, bool isAdobeRGB, std::optional<int> maximum,
+                     const std::stop_token& stop) const {
+        const auto header = readJpegHeader(jpeg);
+        if (!header) return nullptr;
+        return decodeJpeg(jpeg, {maximum, orientation(), profileOf(header->icc, isAdobeRGB)}, stop);
+    }
+
+    FileURL m_url;
+    RawLayout m_layout;
+    std::unique_ptr<RawDeveloper> m_developer; // opened when needed
+};
+
+} // namespace
+
+std::unique_ptr<ImageSource> openRaw(const FileURL& url, ByteRange bytes) {
+    auto layout = RawLayout::read(bytes);
+    std::unique_ptr<RawDeveloper> developer;
+    // The library is asked only for what the file's own directories don't tell.
+    if (!layout.size || !layout.orientation) developer = RawDeveloper::open(url);
+    const bool isUnderstood = developer || layout.size || !layout.previews.empty();
+    if (!isUnderstood && previewByExiv2(url, std::nullopt).empty()) return nullptr;
+    return std::make_unique<RawSource>(url, std::move(layout), std::move(developer));
+}
+
+} // namespace kelvara

@@ -1,0 +1,253 @@
+#include "imaging/DecodingTest.h"
+
+#include "imaging/DisplayColorSpace.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace kelvara {
+namespace {
+
+class JpegTest : public testing::Test {
+protected:
+    BitmapPtr decode(const Bytes& bytes, std::optional<int> maximum = {}, const std::string& name = "a.jpg") {
+        return ImageDecoder::decodeOriginal(writeFile(folder, name, bytes), maximum, {});
+    }
+    BitmapPtr quick(const Bytes& bytes, const std::string& name = "a.jpg") {
+        return ImageDecoder::embeddedThumbnail(writeFile(folder, name, bytes), {});
+    }
+    static Color middle(const BitmapPtr& bitmap) {
+        if (!bitmap) return {-1, -1, -1};
+        return colorAt(*bitmap, bitmap->width() / 2, bitmap->height() / 2);
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(JpegTest, everyOrientationComesOutUpright) {
+    // Where the stored corners red, green, blue, white go to, in the order of reading.
+    const std::array<std::array<Color, 4>, 8> expected{{{red, green, blue, white},
+                                                        {green, red, white, blue},
+                                                        {white, blue, green, red},
+                                                        {blue, white, red, green},
+                                                        {red, blue, green, white},
+                                                        {blue, red, white, green},
+                                                        {white, green, blue, red},
+                                                        {green, white, red, blue}}};
+    auto recipe = quarters({96, 64});
+    for (std::uint32_t orientation = 1; orientation <= 8; ++orientation) {
+        recipe.exif = exifBlock(orientation);
+        const auto bytes = makeJpeg(recipe);
+        for (const auto maximum : {std::optional<int>{}, std::optional{48}, std::optional{40}}) {
+            const auto image = decode(bytes, maximum);
+            ASSERT_TRUE(image);
+            const auto upright = maximum ? PixelSize{96, 64}.fittedTo(*maximum) : PixelSize{96, 64};
+            EXPECT_EQ(image->size(), orientation >= 5 ? upright.transposed() : upright);
+            const auto seen = corners(*image);
+            for (std::size_t i = 0; i < seen.size(); ++i) {
+                EXPECT_TRUE(isNear(seen[i], expected[orientation - 1][i])) << orientation << " corner " << i;
+            }
+        }
+    }
+}
+
+TEST_F(JpegTest, scalesToTheRequestAndNeverBeyondTheFile) {
+    const auto bytes = makeJpeg(quarters({300, 200}));
+    EXPECT_EQ(decode(bytes, 256)->size(), (PixelSize{256, 171}));
+    EXPECT_EQ(decode(bytes, 37)->size(), (PixelSize{37, 25}));
+    EXPECT_EQ(decode(bytes, 1)->size(), (PixelSize{1, 1}));
+    EXPECT_EQ(decode(bytes, 5000)->size(), (PixelSize{300, 200}));
+    EXPECT_FALSE(decode(bytes, 0));
+}
+
+TEST_F(JpegTest, fineStripesBecomeAnEvenGrey) {
+    JpegRecipe recipe{.size = {640, 480}};
+    recipe.paint = [](int x, int) { return painted(x % 2 == 0 ? black : white); };
+    const auto image = decode(makeJpeg(recipe), 200);
+    for (int x = 0; x < image->width(); ++x)
+        EXPECT_TRUE(isNear(colorAt(*image, x, 60), {128, 128, 128}, 26)) << x;
+}
+
+TEST_F(JpegTest, readsGreyAndInks) {
+    JpegRecipe grey{.components = 1};
+    grey.paint = [](int, int) { return std::array<std::uint8_t, 4>{77}; };
+    EXPECT_TRUE(isNear(middle(decode(makeJpeg(grey))), {77, 77, 77}));
+    JpegRecipe inks{.components = 4};
+    // Stored inverted, with the marker that says so: no cyan, all magenta, some yellow, no black.
+    inks.paint = [](int, int) { return std::array<std::uint8_t, 4>{255, 0, 155, 255}; };
+    auto bytes = makeJpeg(inks);
+    EXPECT_TRUE(isNear(middle(decode(bytes)), {255, 0, 155}));
+    EXPECT_TRUE(isNear(middle(decode(bytes, 20)), {255, 0, 155}));
+    // The same bytes without the marker are inks as they are.
+    const std::array<std::uint8_t, 5> adobe{'A', 'd', 'o', 'b', 'e'};
+    *std::search(bytes.begin(), bytes.end(), adobe.begin(), adobe.end()) = 'X';
+    EXPECT_TRUE(isNear(middle(decode(bytes)), {0, 0, 0}));
+}
+
+TEST_F(JpegTest, aTruncatedFileShowsWhatThereIs) {
+    for (const bool isProgressive : {false, true}) {
+        auto recipe = quarters({256, 256});
+        recipe.isProgressive = isProgressive;
+        const auto whole = makeJpeg(recipe);
+        for (std::size_t length = 0; length < whole.size(); length += 97) {
+            for (const auto maximum : {std::optional<int>{}, std::optional{100}}) {
+                const auto image =
+                    decode({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)}, maximum);
+                if (image) {
+                    EXPECT_EQ(image->size().longestSide(), maximum.value_or(256));
+                }
+            }
+        }
+        auto most = whole;
+        most.resize(whole.size() * 3 / 4);
+        const auto image = decode(most);
+        ASSERT_TRUE(image);
+        EXPECT_TRUE(isNear(colorAt(*image, 20, 20), red, 20));
+    }
+}
+
+TEST_F(JpegTest, damagedBytesNeverDoHarm) {
+    auto recipe = quarters({64, 64});
+    recipe.exif = exifBlock(6, makeJpeg(quarters({32, 24})));
+    recipe.icc = ColorProfile::adobeRGB()->icc();
+    const auto whole = makeJpeg(recipe);
+    for (std::size_t i = 2; i < whole.size(); i += 17) {
+        auto bytes = whole;
+        bytes[i] = static_cast<std::uint8_t>(bytes[i] ^ 0xFF);
+        const auto image = decode(bytes, 32);
+        if (image) {
+            EXPECT_LE(image->size().longestSide(), 32);
+        }
+        quick(bytes);
+    }
+}
+
+TEST_F(JpegTest, aSizeThatItsBytesCanNotHoldIsRefused) {
+    auto bytes = makeJpeg({.size = {16, 16}});
+    // Height and width stand five bytes into the frame header.
+    const std::array<std::uint8_t, 2> frame{0xFF, 0xC0};
+    const auto at = std::search(bytes.begin(), bytes.end(), frame.begin(), frame.end());
+    ASSERT_NE(at, bytes.end());
+    std::fill(at + 5, at + 9, std::uint8_t{0xFA});
+    EXPECT_FALSE(decode(bytes));
+    EXPECT_FALSE(decode(bytes, 256));
+}
+
+TEST_F(JpegTest, formatsAreRecognisedByContent) {
+    const auto bytes = makeJpeg(quarters({64, 48}));
+    EXPECT_TRUE(decode(bytes, {}, "a.heic"));
+    EXPECT_FALSE(decode({}, {}, "empty.jpg"));
+    EXPECT_FALSE(decode(Bytes(1000, 0x41), {}, "text.jpg"));
+    EXPECT_FALSE(ImageDecoder::decodeOriginal(FileURL{"/nowhere/a.jpg"}, {}, {}));
+    EXPECT_FALSE(ImageDecoder::decodeOriginal(FileURL{"/"}, {}, {}));
+}
+
+TEST_F(JpegTest, aStopEndsInNothing) {
+    std::stop_source stop;
+    stop.request_stop();
+    const auto url = writeFile(folder, "a.jpg", makeJpeg(quarters({64, 48})));
+    EXPECT_FALSE(ImageDecoder::decodeOriginal(url, {}, stop.get_token()));
+    EXPECT_FALSE(ImageDecoder::embeddedThumbnail(url, stop.get_token()));
+}
+
+TEST_F(JpegTest, theStoredThumbnailLosesItsBars) {
+    // A 3:2 photo with a 4:3 thumbnail, black above and below.
+    JpegRecipe thumbnail{.size = {160, 120}};
+    thumbnail.paint = [](int, int y) { return painted(y < 7 || y >= 113 ? black : red); };
+    auto recipe = quarters({300, 200});
+    recipe.exif = exifBlock(1, makeJpeg(thumbnail));
+    auto image = quick(makeJpeg(recipe));
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->size(), (PixelSize{160, 106}));
+    for (const auto color : corners(*image)) EXPECT_TRUE(isNear(color, red, 30));
+    // The same photo held upright.
+    recipe.exif = exifBlock(6, makeJpeg(thumbnail));
+    image = quick(makeJpeg(recipe));
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->size(), (PixelSize{106, 160}));
+    for (const auto color : corners(*image)) EXPECT_TRUE(isNear(color, red, 30));
+    EXPECT_FALSE(quick(makeJpeg(recipe), "a.nef")) << "RAW files have none";
+    EXPECT_FALSE(quick(makeJpeg(quarters({300, 200}))));
+}
+
+TEST(CropLetterboxTest, cutsInTheMiddleAndRoundsDown) {
+    const auto preview = [](int width, int height) -> BitmapPtr {
+        return Bitmap::create({width, height}, ColorProfile::sRGB());
+    };
+    const auto cropped = [&](BitmapPtr bitmap, PixelSize file, int orientation) {
+        const auto result = ImageDecoder::cropLetterbox(std::move(bitmap), file, Orientation{orientation});
+        return result ? result->size() : PixelSize{};
+    };
+    EXPECT_EQ(cropped(preview(160, 120), {6000, 4000}, 1), (PixelSize{160, 106}));
+    EXPECT_EQ(cropped(preview(160, 120), {4000, 4000}, 1), (PixelSize{120, 120}));
+    EXPECT_EQ(cropped(preview(120, 160), {6000, 4000}, 8), (PixelSize{106, 160}));
+    EXPECT_EQ(cropped(preview(120, 160), {4000, 6000}, 2), (PixelSize{106, 160}));
+    EXPECT_EQ(cropped(preview(10, 10), {60000, 1}, 1), (PixelSize{})) << "nothing would be left";
+    EXPECT_EQ(cropped(preview(10, 10), {0, 10}, 1), (PixelSize{}));
+    EXPECT_FALSE(ImageDecoder::cropLetterbox(preview(10, 10), std::nullopt, Orientation{}));
+    EXPECT_FALSE(ImageDecoder::cropLetterbox(nullptr, PixelSize{3, 2}, Orientation{}));
+}
+
+/// Adobe RGB (1998) to sRGB by the published matrices.
+Color adobeToSRGB(Color color) {
+    const auto linear = [](int value) { return std::pow(value / 255.0, 563.0 / 256); };
+    const double r = linear(color.red), g = linear(color.green), b = linear(color.blue);
+    const double x = 0.5767309 * r + 0.1855540 * g + 0.1881852 * b;
+    const double y = 0.2973769 * r + 0.6273491 * g + 0.0752741 * b;
+    const double z = 0.0270343 * r + 0.0706872 * g + 0.9911085 * b;
+    const auto encoded = [](double value) {
+        value = std::clamp(value, 0.0, 1.0);
+        const double result = value <= 0.0031308 ? 12.92 * value : 1.055 * std::pow(value, 1 / 2.4) - 0.055;
+        return static_cast<int>(std::lround(result * 255));
+    };
+    return {encoded(3.2404542 * x - 1.5371385 * y - 0.4985314 * z),
+            encoded(-0.9692660 * x + 1.8760108 * y + 0.0415560 * z),
+            encoded(0.0556434 * x - 0.2040259 * y + 1.0572252 * z)};
+}
+
+class JpegColorTest : public JpegTest {
+protected:
+    ~JpegColorTest() override { DisplayColorSpace::update(ColorProfile::sRGB()); }
+
+    static JpegRecipe patch() {
+        JpegRecipe recipe;
+        recipe.paint = [](int, int) { return painted(stored); };
+        return recipe;
+    }
+    Color shown(const JpegRecipe& recipe) {
+        return middle(ImageDecoder::prepareForDisplay(decode(makeJpeg(recipe)), {}));
+    }
+
+    static constexpr Color stored{120, 180, 100};
+};
+
+TEST_F(JpegColorTest, profilesAreConvertedToTheScreens) {
+    auto recipe = patch();
+    EXPECT_TRUE(isNear(shown(recipe), stored, 3));
+    recipe.icc = ColorProfile::adobeRGB()->icc();
+    EXPECT_TRUE(isNear(shown(recipe), adobeToSRGB(stored), 3));
+    EXPECT_TRUE(DisplayColorSpace::update(ColorProfile::adobeRGB()));
+    EXPECT_FALSE(DisplayColorSpace::update(ColorProfile::adobeRGB()));
+    EXPECT_TRUE(isNear(shown(recipe), stored, 3)) << "already the screen's";
+}
+
+TEST_F(JpegColorTest, exifCanNameAdobeRGB) {
+    TiffMaker tiff;
+    const auto interoperability = tiff.addDirectory({{0x0001, 0x00333052, 4, 2}}); // "R03"
+    const auto exif =
+        tiff.addDirectory({{0xA001, 0xFFFF, 1, TiffMaker::shortType}, {0xA005, interoperability}});
+    auto recipe = patch();
+    recipe.exif = tiff.finish(tiff.addDirectory({{exifTag, exif}}));
+    EXPECT_TRUE(isNear(shown(recipe), adobeToSRGB(stored), 3));
+}
+
+TEST_F(JpegColorTest, variantsOfSRGBAreTheSame) {
+    EXPECT_EQ(ColorProfile::fromIcc(ColorProfile::sRGB()->icc()), ColorProfile::sRGB());
+    EXPECT_NE(ColorProfile::fromIcc(ColorProfile::displayP3()->icc()), ColorProfile::sRGB());
+    EXPECT_EQ(*ColorProfile::fromIcc(ColorProfile::displayP3()->icc()), *ColorProfile::displayP3());
+    EXPECT_FALSE(ColorProfile::fromIcc(Bytes(500, 0)));
+    EXPECT_FALSE(DisplayColorSpace::update(nullptr));
+}
+
+} // namespace
+} // namespace kelvara

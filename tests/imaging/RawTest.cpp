@@ -1,0 +1,227 @@
+#include "imaging/DecodingTest.h"
+
+#include <algorithm>
+#include <thread>
+
+namespace kelvara {
+namespace {
+
+constexpr std::uint16_t widthTag = 0x0100, lengthTag = 0x0101, compressionTag = 0x0103,
+                        interpretationTag = 0x0106, stripOffsetTag = 0x0111, stripLengthTag = 0x0117,
+                        subDirectoriesTag = 0x014A;
+constexpr std::uint32_t colorFilterArray = 32803, jpegCompression = 7;
+
+/// A RAW file of the TIFF family: its sensor data is not there, only what describes it.
+struct RawRecipe {
+    PixelSize sensor{6000, 4000};
+    std::uint32_t orientation = 1;
+    Bytes inFirst{};  ///< Preview in the first directory's strip.
+    Bytes inSub{};    ///< Preview by offset and length in a sub-directory.
+    Bytes inSecond{}; ///< Preview in the chained directory.
+};
+
+Bytes makeRaw(const RawRecipe& recipe) {
+    TiffMaker tiff;
+    const auto size = [](const Bytes& bytes) { return static_cast<std::uint32_t>(bytes.size()); };
+    const auto sensor = tiff.addDirectory({{widthTag, static_cast<std::uint32_t>(recipe.sensor.width)},
+                                           {lengthTag, static_cast<std::uint32_t>(recipe.sensor.height)},
+                                           {interpretationTag, colorFilterArray, 1, TiffMaker::shortType}});
+    std::vector<std::uint32_t> subDirectories{sensor};
+    if (!recipe.inSub.empty()) {
+        const auto at = tiff.add(recipe.inSub);
+        subDirectories.push_back(
+            tiff.addDirectory({{jpegOffsetTag, at}, {jpegLengthTag, size(recipe.inSub)}}));
+    }
+    std::uint32_t second = 0;
+    if (!recipe.inSecond.empty()) {
+        const auto at = tiff.add(recipe.inSecond);
+        second = tiff.addDirectory({{jpegOffsetTag, at}, {jpegLengthTag, size(recipe.inSecond)}});
+    }
+    std::vector<TiffMaker::Entry> first{{orientationTag, recipe.orientation, 1, TiffMaker::shortType}};
+    if (!recipe.inFirst.empty()) {
+        first.push_back({compressionTag, jpegCompression, 1, TiffMaker::shortType});
+        first.push_back({stripOffsetTag, tiff.add(recipe.inFirst)});
+        first.push_back({stripLengthTag, size(recipe.inFirst)});
+    }
+    const auto isList = subDirectories.size() > 1;
+    first.push_back({subDirectoriesTag, isList ? tiff.addLongs(subDirectories) : sensor,
+                     static_cast<std::uint32_t>(subDirectories.size())});
+    return tiff.finish(tiff.addDirectory(first, second));
+}
+
+Bytes plain(PixelSize size, Color color) {
+    JpegRecipe recipe{.size = size};
+    recipe.paint = [color](int, int) { return painted(color); };
+    return makeJpeg(recipe);
+}
+
+class RawTest : public testing::Test {
+protected:
+    BitmapPtr decode(const Bytes& bytes, std::optional<int> maximum = {}) {
+        return ImageDecoder::decodeOriginal(writeFile(folder, "a.nef", bytes), maximum, {});
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(RawTest, takesTheSmallestPreviewThatSatisfies) {
+    const auto bytes = makeRaw({.sensor = {1200, 800},
+                                .inFirst = plain({160, 120}, red),
+                                .inSub = plain({1200, 800}, green),
+                                .inSecond = plain({600, 400}, blue)});
+    const auto small = decode(bytes, 128);
+    EXPECT_EQ(small->size(), (PixelSize{128, 96}));
+    EXPECT_TRUE(isNear(colorAt(*small, 5, 5), red));
+    const auto middle = decode(bytes, 512);
+    EXPECT_EQ(middle->size(), (PixelSize{512, 341}));
+    EXPECT_TRUE(isNear(colorAt(*middle, 5, 5), blue));
+    const auto full = decode(bytes);
+    EXPECT_EQ(full->size(), (PixelSize{1200, 800}));
+    EXPECT_TRUE(isNear(colorAt(*full, 5, 5), green));
+}
+
+TEST_F(RawTest, previewsAreTurnedOnceByTheFilesOwnOrientation) {
+    auto preview = quarters({96, 64});
+    preview.exif = exifBlock(6); // cameras repeat it inside
+    const auto image = decode(makeRaw({.sensor = {96, 64}, .orientation = 6, .inSub = makeJpeg(preview)}));
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->size(), (PixelSize{64, 96}));
+    EXPECT_TRUE(isNear(corners(*image)[0], blue));
+    EXPECT_TRUE(isNear(corners(*image)[1], red));
+}
+
+TEST_F(RawTest, hostileDirectoriesEndInNothing) {
+    TiffMaker loop;
+    EXPECT_FALSE(decode(loop.finish(loop.addDirectory({}, loop.position()))));
+    TiffMaker nested;
+    const auto at = nested.position();
+    EXPECT_FALSE(decode(nested.finish(nested.addDirectory({{subDirectoriesTag, at}, {exifTag, at}}, at))));
+    TiffMaker beyond;
+    EXPECT_FALSE(decode(
+        beyond.finish(beyond.addDirectory({{jpegOffsetTag, 0xFFFFFFF0}, {jpegLengthTag, 0xFFFFFFFF}}))));
+    TiffMaker counts;
+    EXPECT_FALSE(decode(counts.finish(counts.addDirectory({{subDirectoriesTag, 8, 0xFFFFFFFF}}))));
+    EXPECT_FALSE(decode(TiffMaker{}.finish(0xFFFFFFF0)));
+    EXPECT_FALSE(decode({'I', 'I', 42, 0}));
+}
+
+TEST_F(RawTest, anyTruncationGivesAPreviewOrNothing) {
+    const auto whole = makeRaw(
+        {.sensor = {600, 400}, .inSub = plain({600, 400}, green), .inSecond = plain({160, 120}, red)});
+    for (std::size_t length = 0; length < whole.size(); length += 211) {
+        const auto image = decode({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)}, 128);
+        if (image) {
+            EXPECT_LE(image->size().longestSide(), 128);
+        }
+    }
+}
+
+TEST_F(RawTest, theLargestPreviewStandsInWhenTheImageCannotBeDeveloped) {
+    const auto image = decode(makeRaw({.inSub = plain({1000, 600}, red)}));
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->size(), (PixelSize{1000, 600}));
+}
+
+/// A DNG of a plain mosaic that can be developed, with a preview unless empty.
+Bytes makeDng(PixelSize size, const Bytes& preview = {}) {
+    TiffMaker tiff;
+    std::uint32_t second = 0;
+    if (!preview.empty()) {
+        const auto at = tiff.add(preview);
+        second = tiff.addDirectory(
+            {{jpegOffsetTag, at}, {jpegLengthTag, static_cast<std::uint32_t>(preview.size())}});
+    }
+    const auto w = static_cast<std::uint32_t>(size.width), h = static_cast<std::uint32_t>(size.height);
+    Bytes samples;
+    for (std::uint32_t i = 0; i < w * h; ++i) {
+        samples.push_back(0x00);
+        samples.push_back(0x40);
+    }
+    const auto data = tiff.add(samples);
+    const auto matrix = tiff.addLongs({10000, 10000, 0, 10000, 0, 10000, 0, 10000, 10000, 10000, 0, 10000, 0,
+                                       10000, 0, 10000, 10000, 10000});
+    const auto neutral = tiff.addLongs({1, 1, 1, 1, 1, 1});
+    const auto model = tiff.add({'M', 'a', 'd', 'e', ' ', 'u', 'p', 0});
+    constexpr std::uint16_t s = TiffMaker::shortType, rational = 5, signedRational = 10;
+    return tiff.finish(tiff.addDirectory({{0x00FE, 0},
+                                          {widthTag, w},
+                                          {lengthTag, h},
+                                          {0x0102, 16, 1, s},
+                                          {compressionTag, 1, 1, s},
+                                          {interpretationTag, colorFilterArray, 1, s},
+                                          {0x010F, model, 8, 2},
+                                          {0x0110, model, 8, 2},
+                                          {stripOffsetTag, data},
+                                          {orientationTag, 6, 1, s},
+                                          {0x0115, 1, 1, s},
+                                          {0x0116, h},
+                                          {stripLengthTag, static_cast<std::uint32_t>(samples.size())},
+                                          {0x828D, 0x00020002, 2, s},
+                                          {0x828E, 0x02010100, 4, 1},
+                                          {0xC612, 0x00000401, 4, 1},
+                                          {0xC614, model, 8, 2},
+                                          {0xC61D, 65535},
+                                          {0xC621, matrix, 9, signedRational},
+                                          {0xC628, neutral, 3, rational},
+                                          {0xC65A, 21, 1, s}},
+                                         second));
+}
+
+TEST_F(RawTest, aFileWithoutPreviewsIsDeveloped) {
+    const auto bytes = makeDng({256, 192});
+    const auto full = decode(bytes);
+    ASSERT_TRUE(full);
+    EXPECT_EQ(full->size(), (PixelSize{192, 256})) << "and turned";
+    const auto half = decode(bytes, 100);
+    ASSERT_TRUE(half);
+    EXPECT_EQ(half->size(), (PixelSize{75, 100}));
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_FALSE(ImageDecoder::decodeOriginal(writeFile(folder, "b.dng", bytes), {}, stop.get_token()));
+}
+
+TEST_F(RawTest, aPreviewOfNineTenthsIsPreferredToDevelopment) {
+    const auto side = [&](int preview, std::optional<int> request) {
+        const auto image = decode(makeDng({2000, 64}, plain({preview, 52}, red)), request);
+        return image ? image->size().longestSide() : 0;
+    };
+    EXPECT_EQ(side(1616, 1792), 1616) << "1612.8 would do";
+    EXPECT_EQ(side(1600, 1792), 1792) << "developed";
+    EXPECT_EQ(side(1616, 1000), 1000);
+    EXPECT_EQ(side(1790, {}), 2000);
+    EXPECT_EQ(side(1800, {}), 1800);
+    EXPECT_EQ(side(1800, 9000), 1800) << "no more is asked for than the file has";
+}
+
+TEST_F(RawTest, filesAreDecodedOnManyThreadsAtOnce) {
+    auto adobe = quarters({200, 100});
+    adobe.icc = ColorProfile::adobeRGB()->icc();
+    const std::vector<FileURL> urls{writeFile(folder, "a.dng", makeDng({256, 192})),
+                                    writeFile(folder, "b.jpg", makeJpeg(adobe)),
+                                    writeFile(folder, "c.nef", makeRaw({.inSub = plain({400, 300}, green)})),
+                                    writeFile(folder, "d.nef", Bytes(300, 'x'))};
+    const auto decodeOne = [&urls](std::size_t i) {
+        return ImageDecoder::prepareForDisplay(ImageDecoder::decodeOriginal(urls[i % urls.size()], 128, {}),
+                                               {});
+    };
+    std::vector<BitmapPtr> images(24);
+    {
+        std::vector<std::jthread> threads;
+        for (std::size_t first = 0; first < 3; ++first) {
+            threads.emplace_back([&, first] {
+                for (std::size_t i = first; i < images.size(); i += 3) images[i] = decodeOne(i);
+            });
+        }
+    }
+    for (std::size_t i = 0; i < images.size(); ++i) {
+        const auto expected = decodeOne(i);
+        ASSERT_EQ(images[i] == nullptr, expected == nullptr);
+        EXPECT_EQ(expected == nullptr, i % urls.size() == 3);
+        if (!expected) continue;
+        EXPECT_TRUE(
+            std::equal(expected->data(), expected->data() + expected->byteCount(), images[i]->data()));
+    }
+}
+
+} // namespace
+} // namespace kelvara
