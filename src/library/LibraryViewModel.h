@@ -1,0 +1,317 @@
+#pragma once
+
+#include "async/Executor.h"
+#include "async/LatestOnly.h"
+#include "library/CheckedItems.h"
+#include "library/CopyState.h"
+#include "library/ItemList.h"
+#include "library/LibraryIndex.h"
+#include "library/LibraryTypes.h"
+#include "library/Observable.h"
+#include "model/Rating.h"
+#include "model/VolumeInfo.h"
+#include "services/XMPService.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <span>
+#include <stop_token>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace kelvara {
+
+class CopyService;
+class Desktop;
+class FileSystem;
+class FolderChooser;
+class Preferences;
+class VolumeService;
+struct VolumeChange;
+
+/// The properties of `LibraryViewModel` that views observe, one for each reader of it below.
+enum class LibraryProperty {
+    volumes,
+    sourceURL,
+    items,
+    sortOrder,
+    sortsAscending,
+    isScanning,
+    scanError,
+    visibleItems,
+    hiddenExtensions,
+    searchText,
+    isSearchFocused,
+    wantsSearchFocus,
+    keyFocusRequest,
+    viewMode,
+    showsLoupeOverlays,
+    showsInspector,
+    inspectorTab,
+    copyDestination,
+    copiesIntoDateFolders,
+    copyState,
+    copyInterruption,
+    ejectingVolumeID,
+    ejectError,
+    zoomRequest,
+    focusedID,
+    checkedIDs,
+    ratingFilter,
+    showsOnlyChecked,
+    ratings,
+    ratingSaveError,
+    columnCount,
+    availableRecentFolders,
+    count
+};
+
+/// What the library works with; everything outlives it.
+struct LibraryServices {
+    FileSystem& files;
+    Executor& background;    ///< Scans and copies.
+    Executor& sidecarWrites; ///< Serial, and finishes what was posted when it ends.
+    Executor& main;          ///< The thread that owns the library.
+    Preferences& preferences;
+    VolumeService& volumes;
+    XMPService& sidecars;
+    CopyService& copier;
+    FolderChooser& folderChooser;
+    Desktop& desktop;
+    std::function<void()> emptyImageCaches;
+    std::string collationLocale; ///< See `NameOrder`.
+};
+
+/// The one state of the main window: the source and its photos, their order and filters, the focus, marks and
+/// ratings, and the copy that runs. Views observe the properties they read and call the operations; nothing
+/// about photos is decided elsewhere.
+///
+/// Main thread only. Files are looked at in the background; a superseded scan publishes nothing.
+class LibraryViewModel : public Observable<LibraryProperty> {
+public:
+    using Property = LibraryProperty;
+
+    /// Reads the remembered view state, opens `initialSource` if there is one, and begins to watch volumes.
+    explicit LibraryViewModel(const LibraryServices& services, const FileURL& initialSource = {});
+    ~LibraryViewModel();
+
+    // Sources
+
+    [[nodiscard]] const std::vector<VolumeInfo>& volumes() const { return m_volumes; }
+    /// Empty when no source is chosen.
+    [[nodiscard]] const FileURL& sourceURL() const { return m_sourceURL; }
+    /// A different value clears the search, is remembered and scanned.
+    void setSourceURL(const FileURL& source);
+    void selectVolume(const FileURL& id);
+    void chooseFolder();
+    void openRecentFolder(const FileURL& folder);
+    void removeRecentFolder(const FileURL& folder);
+    /// The recent folders that were there when last looked, most recent first.
+    [[nodiscard]] const std::vector<FileURL>& availableRecentFolders() const {
+        return m_availableRecentFolders;
+    }
+    void refreshVolumes();
+    void eject(const VolumeInfo& volume);
+    [[nodiscard]] const FileURL& ejectingVolumeID() const { return m_ejectingVolumeID; }
+    [[nodiscard]] const std::string& ejectError() const { return m_ejectError; }
+    void clearEjectError() { assign(Property::ejectError, m_ejectError, {}); }
+
+    // Scanning
+
+    void rescan();
+    [[nodiscard]] bool isScanning() const { return m_isScanning; }
+    [[nodiscard]] const std::string& scanError() const { return m_scanError; }
+
+    // Items
+
+    /// The scan's result, in the scanner's order.
+    [[nodiscard]] const std::vector<PhotoItem>& items() const { return *m_items; }
+    [[nodiscard]] ItemList sortedItems() const { return {m_items, m_sortedPositions}; }
+    /// What grid, filmstrip and navigation show. Valid until the next change.
+    [[nodiscard]] const ItemList& visibleItems() const { return m_visibleItems; }
+    /// The upper-case extensions that occur in the source, in alphabetical order.
+    [[nodiscard]] const std::vector<std::string>& extensions() const { return m_index->extensions(); }
+
+    [[nodiscard]] SortOrder sortOrder() const { return m_sortOrder; }
+    void setSortOrder(SortOrder order);
+    [[nodiscard]] bool sortsAscending() const { return m_sortsAscending; }
+    void setSortsAscending(bool ascending);
+
+    [[nodiscard]] const std::set<std::string>& hiddenExtensions() const { return m_hiddenExtensions; }
+    void setHiddenExtensions(std::set<std::string> extensions);
+    void toggleExtension(const std::string& extension);
+    [[nodiscard]] const std::string& searchText() const { return m_searchText; }
+    void setSearchText(const std::string& text);
+    [[nodiscard]] const std::optional<RatingFilter>& ratingFilter() const { return m_ratingFilter; }
+    void setRatingFilter(const std::optional<RatingFilter>& filter);
+    [[nodiscard]] bool showsOnlyChecked() const { return m_showsOnlyChecked; }
+    void setShowsOnlyChecked(bool onlyChecked);
+
+    // Focus and navigation
+
+    /// The focused item's URL; empty for none.
+    [[nodiscard]] const FileURL& focusedID() const { return m_focusedID; }
+    void setFocusedID(const FileURL& id);
+    [[nodiscard]] const PhotoItem* focusedItem() const;
+    [[nodiscard]] std::optional<std::size_t> focusedIndex() const;
+    /// Where an item stands in `visibleItems`.
+    [[nodiscard]] std::optional<std::size_t> visibleIndex(const FileURL& id) const;
+    void moveFocus(MoveDirection direction);
+    [[nodiscard]] int columnCount() const { return m_columnCount; }
+    void setColumnCount(int columns) { assign(Property::columnCount, m_columnCount, columns); }
+
+    [[nodiscard]] ViewMode viewMode() const { return m_viewMode; }
+    /// Nothing happens while no item is focused.
+    void toggleViewMode();
+    void showGrid();
+
+    /// A contiguous slice of `visibleItems` around the focus, and where the slice begins.
+    [[nodiscard]] IndexRange filmstripItems(std::size_t radius, std::size_t extraBefore,
+                                            std::size_t extraAfter) const;
+    /// Nearest first, the next before the previous, without the item itself.
+    [[nodiscard]] std::vector<PhotoItem> neighbours(const FileURL& of, std::size_t radius) const;
+    /// The items of the rows after the visible ones, in order.
+    [[nodiscard]] std::vector<PhotoItem> prefetchCandidates(IndexRange visible, std::size_t rowsAhead) const;
+
+    // Window state
+
+    [[nodiscard]] bool isSearchFocused() const { return m_isSearchFocused; }
+    void setSearchFocused(bool focused) { assign(Property::isSearchFocused, m_isSearchFocused, focused); }
+    [[nodiscard]] bool wantsSearchFocus() const { return m_wantsSearchFocus; }
+    /// The search field took the focus that `focusSearch` asked for.
+    void didFocusSearch() { assign(Property::wantsSearchFocus, m_wantsSearchFocus, false); }
+    void focusSearch();
+    /// Counts up each time grid and loupe should take the keyboard back.
+    [[nodiscard]] int keyFocusRequest() const { return m_keyFocusRequest; }
+    void requestKeyFocus() { assign(Property::keyFocusRequest, m_keyFocusRequest, m_keyFocusRequest + 1); }
+    [[nodiscard]] bool showsLoupeOverlays() const { return m_showsLoupeOverlays; }
+    void setShowsLoupeOverlays(bool shows);
+    [[nodiscard]] bool showsInspector() const { return m_showsInspector; }
+    void setShowsInspector(bool shows);
+    [[nodiscard]] InspectorTab inspectorTab() const { return m_inspectorTab; }
+    /// Hides the inspector when it shows that tab; else shows it on that tab.
+    void toggleInspector(InspectorTab tab);
+    [[nodiscard]] const std::optional<ZoomRequest>& zoomRequest() const { return m_zoomRequest; }
+    void requestZoom(ZoomRequest::Command command);
+
+    // Marks and ratings
+
+    [[nodiscard]] const CheckedItems& checkedIDs() const { return m_checked; }
+    [[nodiscard]] bool isChecked(const FileURL& id) const;
+    void toggleChecked(const FileURL& id);
+    /// Marks everything from the focused item to this one, and focuses it.
+    void markRange(const FileURL& target);
+    void clearMarks();
+    /// Bytes of all marked items.
+    [[nodiscard]] std::int64_t checkedBytes() const { return m_checked.bytes(); }
+    /// No stars where nobody has rated the shot.
+    [[nodiscard]] Rating rating(const FileURL& id) const;
+    void setRating(Rating rating, const FileURL& id);
+    /// Whether the rating of this item lives in a sidecar; else it lasts for the session.
+    [[nodiscard]] bool keepsRatingInSidecar(const FileURL& id) const;
+    [[nodiscard]] const std::string& ratingSaveError() const { return m_ratingSaveError; }
+    void clearRatingSaveError() { assign(Property::ratingSaveError, m_ratingSaveError, {}); }
+    /// What an action on one item applies to: all marked items when it is one of several, else it alone.
+    [[nodiscard]] std::vector<PhotoItem> actionTargets(const PhotoItem& item) const;
+
+    // Copying
+
+    [[nodiscard]] const FileURL& copyDestination() const { return m_copyDestination; }
+    [[nodiscard]] bool copiesIntoDateFolders() const { return m_copiesIntoDateFolders; }
+    void setCopiesIntoDateFolders(bool intoDateFolders);
+    [[nodiscard]] const CopyState& copyState() const { return m_copyState; }
+    /// Why the running or last copy was stopped from outside; empty when it was not.
+    [[nodiscard]] const std::string& copyInterruption() const { return m_copyInterruption; }
+    /// Copies the marked items, asking for a folder first where none is known.
+    void startCopy();
+    /// Files in progress finish, no other begins.
+    void cancelCopy();
+    void dismissCopy();
+    /// Asks for a folder; `onChosen` follows when one was chosen.
+    void chooseCopyDestination(std::function<void()> onChosen = {});
+
+private:
+    struct ScanResult;
+    void restoreState();
+    void applyVolumes(std::vector<VolumeInfo> volumes);
+    void restoreSource();
+    void handleVolumeChange(const VolumeChange& change);
+    bool refusesEject();
+    void beginEject(const VolumeInfo& volume);
+    void didEject(const VolumeInfo& volume, const Result<void, std::string>& result);
+    void addRecentFolder(const FileURL& folder);
+    void saveRecentFolders();
+    void refreshAvailableRecentFolders();
+    void resetForScan();
+    void publish(ScanResult result);
+    void setItems(std::shared_ptr<const std::vector<PhotoItem>> items,
+                  std::shared_ptr<const LibraryIndex> index);
+    void updateSortedItems();
+    void updateVisibleItems();
+    void repairFocus();
+    void setViewMode(ViewMode mode) { assign(Property::viewMode, m_viewMode, mode); }
+    void saveRating(Rating rating, const FileURL& id);
+    void didSaveRating(Rating saved, const FileURL& id, const Result<void, XMPError>& result);
+    void runCopy();
+
+    LibraryServices m_services;
+    LatestOnly m_scan;
+    LatestOnly m_recentFoldersCheck;
+    LatestOnly m_sourceRestore;
+
+    std::vector<VolumeInfo> m_volumes;
+    FileURL m_sourceURL;
+    bool m_hasRestoredSource = false;
+    std::vector<FileURL> m_recentFolders;
+    std::vector<FileURL> m_availableRecentFolders;
+    FileURL m_ejectingVolumeID;
+    std::string m_ejectError;
+
+    bool m_isScanning = false;
+    std::string m_scanError;
+
+    std::shared_ptr<const std::vector<PhotoItem>> m_items;
+    std::shared_ptr<const LibraryIndex> m_index;
+    std::vector<std::uint32_t> m_sortedPositions;
+    ItemList m_visibleItems;
+    std::vector<std::uint32_t> m_visibleIndexes; // by position; `notVisible` for hidden items
+    SortOrder m_sortOrder = SortOrder::captureDate;
+    bool m_sortsAscending = true;
+    std::set<std::string> m_hiddenExtensions;
+    std::string m_searchText;
+    std::optional<RatingFilter> m_ratingFilter;
+    bool m_showsOnlyChecked = false;
+
+    FileURL m_focusedID;
+    int m_columnCount = 1;
+    ViewMode m_viewMode = ViewMode::grid;
+    bool m_isSearchFocused = false;
+    bool m_wantsSearchFocus = false;
+    int m_keyFocusRequest = 0;
+    bool m_showsLoupeOverlays = true;
+    bool m_showsInspector = true;
+    InspectorTab m_inspectorTab = InspectorTab::info;
+    std::optional<ZoomRequest> m_zoomRequest;
+
+    CheckedItems m_checked;
+    std::unordered_map<FileURL, Rating> m_ratings;
+    /// Ratings on their way to the disk, or that were so when the running scan began: it may have missed
+    /// them.
+    std::unordered_map<FileURL, Rating> m_savedRatings;
+    int m_runningSaves = 0;
+    std::string m_ratingSaveError;
+
+    FileURL m_copyDestination;
+    bool m_copiesIntoDateFolders = false;
+    CopyState m_copyState;
+    std::string m_copyInterruption;
+    std::stop_source m_copyStop;
+
+    /// Expires with the view model; callbacks that arrive later see it and do nothing.
+    std::shared_ptr<int> m_lifetime = std::make_shared<int>(0);
+};
+
+} // namespace kelvara

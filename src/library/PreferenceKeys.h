@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string_view>
+
+/// The keys under which preferences are kept; each has one type and one default, given where it is read.
+namespace kelvara::PreferenceKeys {
+
+// Remembered view state, owned by LibraryViewModel.
+inline constexpr std::string_view sortOrder = "sortOrder";
+inline constexpr std::string_view sortsAscending = "sortsAscending";
+inline constexpr std::string_view showsLoupeOverlays = "showsLoupeOverlays";
+inline constexpr std::string_view showsInspector = "showsInspector";
+inline constexpr std::string_view inspectorTab = "inspectorTab";
+inline constexpr std::string_view copyDestination = "copyDestination";
+inline constexpr std::string_view copiesIntoDateFolders = "copiesIntoDateFolders";
+inline constexpr std::string_view recentFolders = "recentFolders";
+inline constexpr std::string_view hiddenExtensions = "hiddenExtensions";
+inline constexpr std::string_view lastSource = "lastSource";
+
+// The grid.
+inline constexpr std::string_view gridThumbnailSize = "gridThumbnailSize";
+inline constexpr std::string_view gridShowsInfo = "gridShowsInfo";
+
+} // namespace kelvara::PreferenceKeys
