@@ -1,0 +1,34 @@
+#pragma once
+
+#include "cli/Console.h"
+#include "model/PhotoItem.h"
+#include "model/Result.h"
+#include "platform/FileSystem.h"
+
+#include <stop_token>
+#include <string>
+#include <vector>
+
+namespace kelvara::cli {
+
+/// Why a command can't go on: the sentence for stderr and the exit code.
+struct CommandError {
+    std::string text;
+    ExitCode code = ExitCode::failure;
+};
+
+/// The file or folder that a path on the command line means, links and ".." resolved as far as it exists.
+[[nodiscard]] Result<FileURL, CommandError> resolved(const std::string& path);
+
+/// The media files below a folder, in the scanner's order. Unlike the scanner alone, it fails for a folder
+/// that is missing or can't be read.
+[[nodiscard]] Result<std::vector<PhotoItem>, CommandError>
+mediaFiles(const FileSystem& files, const FileURL& folder, const std::stop_token& stop);
+
+/// Whether the shot that `file` belongs to has a RAW file: it is one, or one of the same name lies beside it.
+[[nodiscard]] bool hasRaw(const FileURL& file);
+
+/// The path of a file below `folder` for people to read, without the folder's.
+[[nodiscard]] std::string shownPath(const FileURL& file, const FileURL& folder);
+
+} // namespace kelvara::cli

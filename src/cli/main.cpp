@@ -1,0 +1,44 @@
+#include "cli/CopyCommand.h"
+#include "cli/ListCommand.h"
+#include "cli/RateCommand.h"
+#include "cli/RatingsCommand.h"
+#include "platform/linux/LinuxFileSystem.h"
+#ifdef KELVARA_CLI_VOLUMES
+#include "cli/EjectCommand.h"
+#include "cli/VolumesCommand.h"
+#endif
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <vector>
+
+using namespace kelvara;
+using namespace kelvara::cli;
+
+int main(int argc, char** argv) {
+    CLI::App app{"Lists, copies and rates the photos of a memory card or folder, as Kelvara does.",
+                 "kelvara-cli"};
+    app.set_version_flag("--version", "kelvara-cli " KELVARA_VERSION);
+    app.require_subcommand(1);
+    LinuxFileSystem files;
+    std::vector<std::unique_ptr<const Command>> commands;
+    commands.push_back(std::make_unique<ListCommand>(app, files));
+    commands.push_back(std::make_unique<CopyCommand>(app, files));
+    commands.push_back(std::make_unique<RateCommand>(app, files));
+    commands.push_back(std::make_unique<RatingsCommand>(app, files));
+#ifdef KELVARA_CLI_VOLUMES
+    commands.push_back(std::make_unique<VolumesCommand>(app));
+    commands.push_back(std::make_unique<EjectCommand>(app));
+#endif
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        const bool isQuestion = error.get_exit_code() == 0; // --help or --version, answered by exit()
+        (void)app.exit(error);
+        return static_cast<int>(isQuestion ? finished(ExitCode::success) : ExitCode::usage);
+    }
+    for (const auto& command : commands) {
+        if (command->isChosen()) return static_cast<int>(finished(command->run()));
+    }
+    return static_cast<int>(ExitCode::usage);
+}
