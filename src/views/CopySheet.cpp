@@ -1,0 +1,65 @@
+#include "views/CopySheet.h"
+
+#include "platform/Desktop.h"
+#include "views/Sheet.h"
+#include "views/Text.h"
+
+#include <type_traits>
+
+namespace kelvara {
+
+CopySheet::CopySheet(LibraryViewModel& library, Desktop& desktop, Sheet& sheet, QObject* parent)
+    : QObject{parent}, m_library{library}, m_desktop{desktop}, m_sheet{sheet} {
+    m_subscription = m_library.observe({LibraryProperty::copyState}, [this](const auto&) { refresh(); });
+    refresh();
+}
+
+void CopySheet::refresh() {
+    std::visit(
+        [this](const auto& state) {
+            using State = std::decay_t<decltype(state)>;
+            if constexpr (std::is_same_v<State, CopyIdle>) m_sheet.dismiss();
+            if constexpr (std::is_same_v<State, CopyService::Progress>) showProgress(state);
+            if constexpr (std::is_same_v<State, CopyService::Report>) showReport(state);
+            if constexpr (std::is_same_v<State, CopyFailed>) showFailure(state);
+        },
+        m_library.copyState());
+}
+
+void CopySheet::showProgress(const CopyService::Progress& progress) {
+    if (!m_progress || m_sheet.content() != m_progress) {
+        m_progress = new CopyProgressView;
+        m_sheet.present(m_progress);
+        m_sheet.setButtons(nullptr, m_progress->cancelButton());
+        connect(m_progress->cancelButton(), &QPushButton::clicked, this, [this] {
+            m_progress->setStopping();
+            m_library.cancelCopy();
+        });
+    }
+    m_progress->show(progress);
+}
+
+void CopySheet::showReport(const CopyService::Report& report) {
+    auto* view = new CopyReportView{report, text(m_library.copyInterruption())};
+    m_sheet.present(view);
+    m_sheet.setButtons(view->doneButton(), view->doneButton());
+    connect(view->doneButton(), &QPushButton::clicked, this, [this] { m_library.dismissCopy(); });
+    connect(view->showButton(), &QPushButton::clicked, this,
+            [this, folder = report.destination] { m_desktop.showInFileManager(folder); });
+    if (!view->clearButton()) return;
+    connect(view->clearButton(), &QPushButton::clicked, this, [this, button = view->clearButton()] {
+        m_library.clearMarks();
+        button->setEnabled(false);
+    });
+}
+
+void CopySheet::showFailure(const CopyFailed& failure) {
+    auto* view = new CopyFailedView{text(failure.message)};
+    m_sheet.present(view);
+    m_sheet.setButtons(view->chooseButton(), view->cancelButton());
+    connect(view->cancelButton(), &QPushButton::clicked, this, [this] { m_library.dismissCopy(); });
+    connect(view->chooseButton(), &QPushButton::clicked, this,
+            [this] { m_library.chooseCopyDestination([this] { m_library.startCopy(); }); });
+}
+
+} // namespace kelvara

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "library/LibraryViewModel.h"
+#include "views/Controls.h"
+
+#include <QElapsedTimer>
+#include <QPointer>
+#include <QPushButton>
+
+class QProgressBar;
+
+namespace kelvara {
+
+class Sheet;
+
+/// What a sheet shows while photos are copied.
+class CopyProgressView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit CopyProgressView(QWidget* parent = nullptr);
+    void show(const CopyService::Progress& progress);
+    /// The copy has been told to stop, and files in progress finish.
+    void setStopping();
+    [[nodiscard]] QPushButton* cancelButton() const { return m_cancel; }
+
+private:
+    QLabel* m_title;
+    QProgressBar* m_bar;
+    QLabel* m_fileSymbol;
+    ElidedLabel* m_file;
+    QLabel* m_remaining;
+    QPushButton* m_cancel;
+    QElapsedTimer m_sinceStart;
+};
+
+/// What a sheet shows when a copy has ended.
+class CopyReportView : public QWidget {
+    Q_OBJECT
+
+public:
+    /// `interruption`: why it was stopped from outside; empty when it was not.
+    CopyReportView(const CopyService::Report& report, const QString& interruption, QWidget* parent = nullptr);
+    [[nodiscard]] QPushButton* showButton() const { return m_show; }
+    [[nodiscard]] QPushButton* clearButton() const { return m_clear; } ///< Null where it would lose marks.
+    [[nodiscard]] QPushButton* doneButton() const { return m_done; }
+
+private:
+    QPushButton* m_show;
+    QPushButton* m_clear = nullptr;
+    QPushButton* m_done;
+};
+
+/// What a sheet shows for a copy that could not begin.
+class CopyFailedView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit CopyFailedView(const QString& message, QWidget* parent = nullptr);
+    [[nodiscard]] QPushButton* chooseButton() const { return m_choose; }
+    [[nodiscard]] QPushButton* cancelButton() const { return m_cancel; }
+
+private:
+    QPushButton* m_choose;
+    QPushButton* m_cancel;
+};
+
+/// Keeps a sheet in step with the library's copy.
+class CopySheet : public QObject {
+    Q_OBJECT
+
+public:
+    /// Everything outlives it.
+    CopySheet(LibraryViewModel& library, Desktop& desktop, Sheet& sheet, QObject* parent = nullptr);
+
+private:
+    void refresh();
+    void showProgress(const CopyService::Progress& progress);
+    void showReport(const CopyService::Report& report);
+    void showFailure(const CopyFailed& failure);
+
+    LibraryViewModel& m_library;
+    Desktop& m_desktop;
+    Sheet& m_sheet;
+    QPointer<CopyProgressView> m_progress;
+    Subscription m_subscription;
+};
+
+} // namespace kelvara

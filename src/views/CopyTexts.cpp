@@ -1,0 +1,74 @@
+#include "views/CopyTexts.h"
+
+#include "text/ByteCount.h"
+#include "views/Text.h"
+
+#include <QCoreApplication>
+
+namespace kelvara {
+
+namespace {
+struct CopyTexts {
+    Q_DECLARE_TR_FUNCTIONS(CopyTexts)
+};
+QString tr(const char* source) { return CopyTexts::tr(source); }
+} // namespace
+
+CopyButtonTexts copyButtonTexts(std::int64_t markedCount, const FileURL& destination) {
+    if (destination.isEmpty()) {
+        return {tr("Copy %1 marked…  ⌘⏎").arg(countText(markedCount)),
+                tr("Choose a folder and copy marked files (⌘Return)")};
+    }
+    // Several arguments at once: a folder's name may contain "%1" itself.
+    return {tr("Copy %1 to %2").arg(countText(markedCount), nameText(destination)),
+            tr("Copy marked files to %1").arg(pathText(destination))};
+}
+
+QString durationText(std::chrono::nanoseconds duration) {
+    const auto total = std::chrono::floor<std::chrono::seconds>(duration).count();
+    const auto minutes = total / 60;
+    const auto seconds = total % 60;
+    if (minutes == 0) return tr("%1 sec").arg(seconds);
+    if (seconds == 0) return tr("%1 min").arg(minutes);
+    return tr("%1 min, %2 sec").arg(minutes).arg(seconds);
+}
+
+QString timeRemainingText(const CopyService::Progress& progress, std::chrono::nanoseconds elapsed) {
+    const auto seconds = std::chrono::duration<double>(elapsed).count();
+    if (progress.completedBytes < 1 || seconds <= 2.0) return {};
+    const auto rate = static_cast<double>(progress.completedBytes) / seconds;
+    const auto remaining = static_cast<double>(progress.totalBytes - progress.completedBytes) / rate;
+    const auto duration =
+        std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::duration<double>(remaining));
+    return tr("%1/s · %2 left")
+        .arg(text(byteCountText(static_cast<std::int64_t>(rate))), durationText(duration));
+}
+
+QString copyReportTitle(const CopyService::Report& report, bool wasInterrupted) {
+    if (wasInterrupted) return tr("Copy Interrupted");
+    if (report.wasCancelled) return tr("Copy Cancelled");
+    if (!report.failures.empty()) return tr("Copy Finished with Errors");
+    return tr("Copy Complete");
+}
+
+QList<CopyReportRow> copyReportRows(const CopyService::Report& report) {
+    using Kind = CopyReportRow::Kind;
+    QList<CopyReportRow> rows;
+    rows.append({Kind::copied, tr("%1 copied").arg(countText(report.copied)),
+                 tr("%1 in %2").arg(text(byteCountText(report.copiedBytes)), durationText(report.duration))});
+    if (report.skipped >= 1) {
+        rows.append({Kind::skipped, tr("%1 already there").arg(countText(report.skipped)),
+                     tr("skipped (same name and size)")});
+    }
+    if (report.renamed >= 1) {
+        rows.append({Kind::renamed, tr("%1 renamed").arg(countText(report.renamed)),
+                     tr("a different file had the same name")});
+    }
+    if (!report.failures.empty()) {
+        const auto count = countText(static_cast<std::int64_t>(report.failures.size()));
+        rows.append({Kind::failed, tr("%1 failed").arg(count), {}});
+    }
+    return rows;
+}
+
+} // namespace kelvara

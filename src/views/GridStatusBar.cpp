@@ -1,0 +1,65 @@
+#include "views/GridStatusBar.h"
+
+#include "text/ByteCount.h"
+#include "views/Symbols.h"
+#include "views/Text.h"
+
+#include <QHBoxLayout>
+
+namespace kelvara {
+
+GridStatusBar::GridStatusBar(LibraryViewModel& library, QWidget* parent)
+    : Panel{&Theme::window, parent}, m_library{library} {
+    setHairlines(Qt::TopEdge);
+    m_shown = makeLabel(TextRole::caption, Tone::quiet, this);
+    m_markSymbol = new QLabel{this};
+    m_marked = makeLabel(TextRole::caption, Tone::normal, this);
+    m_markedBytes = makeLabel(TextRole::caption, Tone::quiet, this);
+    m_focused = new ElidedLabel{this};
+    dress(*m_focused, TextRole::caption, Tone::quiet);
+    const auto help = tr("⇧-click a photo to mark every photo up to it");
+    m_marked->setToolTip(help);
+    m_markedBytes->setToolTip(help);
+    m_markSymbol->setToolTip(help);
+
+    auto* row = new QHBoxLayout{this};
+    row->setContentsMargins(spacing::medium, spacing::tiny + 1, spacing::medium, spacing::tiny);
+    row->setSpacing(0);
+    row->addWidget(m_shown);
+    row->addSpacing(spacing::large);
+    row->addWidget(m_markSymbol);
+    row->addSpacing(spacing::tiny);
+    row->addWidget(m_marked);
+    row->addWidget(m_markedBytes);
+    row->addSpacing(spacing::large);
+    row->addStretch(1);
+    row->addWidget(m_focused);
+
+    using P = LibraryProperty;
+    m_subscription = m_library.observe({P::items, P::visibleItems, P::checkedIDs, P::focusedID},
+                                       [this](const auto&) { refresh(); });
+    refresh();
+}
+
+void GridStatusBar::refresh() {
+    const auto total = static_cast<std::int64_t>(m_library.items().size());
+    const auto shown = static_cast<std::int64_t>(m_library.visibleItems().size());
+    m_shown->setText(total == 0 ? QString{} : tr("%1 of %2 files").arg(countText(shown), countText(total)));
+
+    const auto marked = static_cast<std::int64_t>(m_library.checkedIDs().size());
+    m_marked->setVisible(marked > 0);
+    m_markedBytes->setVisible(marked > 0);
+    m_markSymbol->setVisible(marked > 0);
+    if (marked > 0) {
+        m_marked->setText(tr("%1 marked ").arg(countText(marked)));
+        m_markedBytes->setText(text(byteCountText(m_library.checkedBytes())));
+        m_markSymbol->setPixmap(
+            symbol(u"checkmark.circle.fill", 14, Theme::current().mark, devicePixelRatioF()));
+    }
+
+    const auto* item = m_library.focusedItem();
+    m_focused->setText(item ? tr("%1  ·  %2").arg(nameText(item->url), text(byteCountText(item->fileSize)))
+                            : QString{});
+}
+
+} // namespace kelvara

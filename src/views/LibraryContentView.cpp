@@ -1,0 +1,69 @@
+#include "views/LibraryContentView.h"
+
+#include "views/EmptyStateView.h"
+#include "views/FilterBar.h"
+#include "views/GridStatusBar.h"
+#include "views/LibraryToolbar.h"
+
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace kelvara {
+
+LibraryContentView::LibraryContentView(LibraryViewModel& library, Preferences& preferences,
+                                       PhotoCanvases canvases, QWidget* parent)
+    : Panel{&Theme::canvas, parent}, m_library{library}, m_canvases{std::move(canvases)} {
+    m_toolbar = new LibraryToolbar{library, preferences, this};
+    m_filterBar = new FilterBar{library, this};
+    m_empty = new EmptyStateView{library, this};
+    m_statusBar = new GridStatusBar{library, this};
+    m_stack = new QStackedWidget{this};
+    m_stack->addWidget(m_canvases.grid);
+    m_stack->addWidget(m_canvases.loupe);
+    m_stack->addWidget(m_empty);
+
+    auto* column = new QVBoxLayout{this};
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(m_toolbar);
+    column->addWidget(m_filterBar);
+    column->addWidget(m_stack, 1);
+    column->addWidget(m_statusBar);
+
+    m_canvases.setThumbnailSize(m_toolbar->thumbnailSize());
+    connect(m_toolbar, &LibraryToolbar::thumbnailSizeChanged, this, m_canvases.setThumbnailSize);
+    connect(m_empty, &EmptyStateView::causeChanged, this, &LibraryContentView::refresh);
+
+    using P = LibraryProperty;
+    m_subscriptions.push_back(m_library.observe({P::viewMode}, [this](const auto&) { refresh(); }));
+    m_subscriptions.push_back(
+        m_library.observe({P::keyFocusRequest}, [this](const auto&) { focusPhotos(); }));
+    refresh();
+}
+
+void LibraryContentView::refresh() {
+    const auto cause = m_empty->cause();
+    const auto isGrid = m_library.viewMode() == ViewMode::grid;
+    auto* const previous = m_stack->currentWidget();
+    auto* const next = cause ? m_empty : isGrid ? m_canvases.grid : m_canvases.loupe;
+    const auto hadFocus = previous->isAncestorOf(window()->focusWidget()) || previous->hasFocus();
+    m_stack->setCurrentWidget(next);
+    // Without files there is nothing to filter.
+    const auto hasFiles = !cause || *cause > EmptyCause::emptyFolder || *cause == EmptyCause::scanning;
+    m_toolbar->setHairlines(isGrid && hasFiles ? Qt::Edges{} : Qt::Edges{Qt::BottomEdge});
+    m_filterBar->setVisible(isGrid && hasFiles);
+    m_statusBar->setVisible(isGrid && hasFiles);
+    if (hadFocus) focusPhotos();
+}
+
+void LibraryContentView::focusPhotos() { m_stack->currentWidget()->setFocus(Qt::OtherFocusReason); }
+
+bool LibraryContentView::isSettled() const {
+    if (m_empty->cause() || m_library.isScanning()) return false;
+    return !(m_library.viewMode() == ViewMode::grid ? m_canvases.isGridLoading()
+                                                    : m_canvases.isLoupeLoading());
+}
+
+} // namespace kelvara

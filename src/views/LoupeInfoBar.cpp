@@ -1,0 +1,111 @@
+#include "views/LoupeInfoBar.h"
+
+#include "views/BusyIndicator.h"
+#include "views/RatingStars.h"
+#include "views/Symbols.h"
+#include "views/Text.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+
+namespace kelvara {
+
+namespace {
+
+constexpr int barHeight = 34;
+constexpr int starSize = 14;
+constexpr int markSize = 16;
+constexpr int roomForHelp = 1060;
+
+QPixmap starsPixmap(Rating rating, qreal ratio) {
+    QPixmap pixmap{(QSizeF{static_cast<qreal>(RatingStars::width(starSize)), starSize} * ratio).toSize()};
+    pixmap.setDevicePixelRatio(ratio);
+    pixmap.fill(Qt::transparent);
+    QPainter painter{&pixmap};
+    const auto& theme = Theme::current();
+    RatingStars::paint(painter, {0, 0}, rating, starSize,
+                       rating == Rating{} ? theme.secondaryText : theme.star, RatingStars::Empty::shown);
+    return pixmap;
+}
+
+} // namespace
+
+LoupeInfoBar::LoupeInfoBar(QWidget* parent) : Panel{&Theme::window, parent} {
+    setHairlines(Qt::TopEdge);
+    setFixedHeight(barHeight);
+    // What it says never widens the window, which would move the picture.
+    setMinimumWidth(1);
+    m_position = makeLabel(TextRole::caption, Tone::quiet, this);
+    m_name = new ElidedLabel{this};
+    dress(*m_name, TextRole::caption, Tone::normal);
+    m_mark = new QLabel{this};
+    m_stars = new QLabel{this};
+    m_busy = new BusyIndicator{14, this};
+    m_loading = makeLabel(TextRole::caption, Tone::quiet, this, tr("Loading full resolution…"));
+    const auto help = tr("Z or double-click: Fit / 100% · ⌘+ ⌘− ⌘0 · ⌘-scroll, ⌥-scroll or pinch to zoom");
+    m_help = makeLabel(TextRole::caption, Tone::quiet, this, help);
+    m_zoom = makeLabel(TextRole::caption, Tone::normal, this);
+    m_zoom->setToolTip(help);
+    m_zoom->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    // As wide as it gets, so that nothing beside it moves while the zoom changes.
+    m_zoom->setMinimumWidth(m_zoom->fontMetrics().horizontalAdvance(tr("Fit (%1%)").arg(100)) + 2);
+
+    auto* row = new QHBoxLayout{this};
+    row->setContentsMargins(spacing::medium, 1, spacing::medium, 0);
+    row->setSpacing(spacing::small);
+    row->addWidget(m_position);
+    row->addWidget(m_name);
+    row->addSpacing(spacing::tiny);
+    row->addWidget(m_stars);
+    row->addWidget(m_mark);
+    row->addStretch(1);
+    row->addWidget(m_busy);
+    row->addWidget(m_loading);
+    row->addSpacing(spacing::tiny);
+    row->addWidget(m_help);
+    row->addSpacing(spacing::tiny);
+    row->addWidget(m_zoom);
+    refresh();
+}
+
+void LoupeInfoBar::show(const Content& content) {
+    if (content == m_content) return;
+    m_content = content;
+    refresh();
+}
+
+void LoupeInfoBar::refresh() {
+    const auto ratio = devicePixelRatioF();
+    m_position->setText(m_content.total == 0
+                            ? QString{}
+                            : tr("%1 / %2").arg(countText(static_cast<std::int64_t>(m_content.position)),
+                                                countText(static_cast<std::int64_t>(m_content.total))));
+    m_name->setText(nameText(m_content.url));
+    m_stars->setPixmap(starsPixmap(m_content.rating, ratio));
+    m_stars->setAccessibleName(RatingStars::text(m_content.rating));
+    m_mark->setVisible(m_content.isChecked);
+    m_mark->setPixmap(symbol(u"checkmark.circle.fill", markSize, Theme::current().mark, ratio));
+    m_mark->setAccessibleName(tr("Marked"));
+    m_busy->setVisible(m_content.isLoadingFullResolution);
+    m_loading->setVisible(m_content.isLoadingFullResolution);
+    m_help->setVisible(m_content.zoom && width() >= roomForHelp);
+    m_zoom->setVisible(m_content.zoom.has_value());
+    if (m_content.zoom) {
+        const auto& [percent, isAtFit] = *m_content.zoom;
+        m_zoom->setText((isAtFit ? tr("Fit (%1%)") : tr("%1%")).arg(percent));
+    } else {
+        m_zoom->clear();
+    }
+}
+
+void LoupeInfoBar::resizeEvent(QResizeEvent* event) {
+    Panel::resizeEvent(event);
+    m_help->setVisible(m_content.zoom && width() >= roomForHelp);
+}
+
+void LoupeInfoBar::changeEvent(QEvent* event) {
+    Panel::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) refresh();
+}
+
+} // namespace kelvara

@@ -1,0 +1,216 @@
+#include "views/LoupeView.h"
+
+#include "views/Controls.h"
+#include "views/FilmstripView.h"
+#include "views/LoupeInfoBar.h"
+#include "views/LoupeVideoPlayer.h"
+#include "views/Symbols.h"
+#include "views/ZoomableImageView.h"
+
+#include <QEvent>
+#include <QKeyEvent>
+#include <QStackedLayout>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
+
+namespace kelvara {
+
+namespace {
+
+constexpr int symbolSide = 56;
+/// Large enough that fit fills the window, as it will with the real picture.
+constexpr double assumedLongSide = 6000;
+constexpr double sameAspect = 0.015;
+
+struct Size {
+    ZoomSize pixels;
+    ZoomableImageView::SizeIs certainty;
+};
+
+/// The size of the full picture that a thumbnail stands for. Photos of one camera mostly have one size, so
+/// the last one is a good guess where the shape is the same; then zoom and position carry over.
+Size likelySize(const QImage& thumbnail, const ZoomSize& last) {
+    const auto aspect = static_cast<double>(thumbnail.width()) / thumbnail.height();
+    if (last.isPositive() && std::abs(last.width / last.height / aspect - 1) < sameAspect) {
+        return {last, ZoomableImageView::SizeIs::likely};
+    }
+    const auto scale = assumedLongSide / std::max(thumbnail.width(), thumbnail.height());
+    return {{std::round(thumbnail.width() * scale), std::round(thumbnail.height() * scale)},
+            ZoomableImageView::SizeIs::unknown};
+}
+
+} // namespace
+
+LoupeView::LoupeView(LibraryViewModel& library, ThumbnailService& thumbnails, PreviewService& previews,
+                     Executor& rendering, Executor& main, QWidget* parent)
+    : QWidget{parent}, m_library{library}, m_pictures{library,   thumbnails, previews,
+                                                      rendering, main,       [this] { showPicture(); }} {
+    setFocusPolicy(Qt::StrongFocus);
+    makeLayout(thumbnails);
+    observeLibrary();
+    refreshOverlays();
+}
+
+LoupeView::~LoupeView() = default;
+
+void LoupeView::makeLayout(ThumbnailService& thumbnails) {
+    m_image = new ZoomableImageView{this};
+    m_video = new LoupeVideoPlayer{&VideoPlayer::make, this};
+    m_cannotPreview = makeCannotPreview();
+    m_info = new LoupeInfoBar{this};
+    m_filmstrip = new FilmstripView{m_library, thumbnails, this};
+    auto* stage = new QWidget{this};
+    m_stage = new QStackedLayout{stage};
+    m_stage->setContentsMargins({});
+    for (auto* page : {static_cast<QWidget*>(m_image), static_cast<QWidget*>(m_video), m_cannotPreview}) {
+        m_stage->addWidget(page);
+    }
+    auto* column = new QVBoxLayout{this};
+    column->setContentsMargins({});
+    column->setSpacing(0);
+    column->addWidget(stage, 1);
+    column->addWidget(m_info);
+    column->addWidget(m_filmstrip);
+    connect(m_image, &ZoomableImageView::zoomChanged, this, &LoupeView::refreshInfo);
+}
+
+QWidget* LoupeView::makeCannotPreview() {
+    auto* page = new Panel{&Theme::canvas, this};
+    m_cannotPreviewSymbol = new QLabel{page};
+    auto* title = makeLabel(TextRole::title, Tone::normal, page, tr("Can't Preview"));
+    auto* description = makeLabel(TextRole::body, Tone::quiet, page,
+                                  tr("This file may be damaged or in an unsupported format."));
+    auto* column = new QVBoxLayout{page};
+    column->setSpacing(0);
+    column->addStretch(5);
+    column->addWidget(m_cannotPreviewSymbol, 0, Qt::AlignHCenter);
+    column->addSpacing(spacing::large);
+    column->addWidget(title, 0, Qt::AlignHCenter);
+    column->addSpacing(spacing::small);
+    column->addWidget(description, 0, Qt::AlignHCenter);
+    column->addStretch(6);
+    return page;
+}
+
+void LoupeView::observeLibrary() {
+    using P = LibraryProperty;
+    m_subscriptions.push_back(
+        m_library.observe({P::focusedID, P::visibleItems}, [this](const auto&) { follow(); }));
+    m_subscriptions.push_back(
+        m_library.observe({P::checkedIDs, P::ratings}, [this](const auto&) { refreshInfo(); }));
+    m_subscriptions.push_back(
+        m_library.observe({P::showsLoupeOverlays}, [this](const auto&) { refreshOverlays(); }));
+    m_subscriptions.push_back(m_library.observe({P::zoomRequest}, [this](const auto&) {
+        if (isVisible() && m_library.zoomRequest()) m_image->perform(*m_library.zoomRequest());
+    }));
+    m_subscriptions.push_back(m_library.observe({P::keyFocusRequest, P::viewMode}, [this](const auto&) {
+        if (isVisible() && m_library.viewMode() == ViewMode::loupe) setFocus();
+    }));
+}
+
+bool LoupeView::showsVideo() const {
+    const auto* item = m_library.focusedItem();
+    return item && item->kind() == MediaKind::video;
+}
+
+bool LoupeView::isLoading() const {
+    return isVisible() &&
+           (m_pictures.shown().isLoading || (m_filmstrip->isVisible() && m_filmstrip->isLoading()));
+}
+
+void LoupeView::reloadPictures() {
+    m_pictures.reload();
+    m_filmstrip->reloadThumbnails();
+    showPicture();
+}
+
+void LoupeView::togglePlayback() {
+    if (isVisible() && showsVideo()) m_video->togglePlayback();
+}
+
+void LoupeView::follow() {
+    if (!isVisible()) return;
+    m_pictures.load(m_library.focusedItem());
+    showPicture();
+}
+
+void LoupeView::showPicture() {
+    const auto& shown = m_pictures.shown();
+    m_video->open(showsVideo() ? shown.url : FileURL{});
+    if (showsVideo()) {
+        m_image->clear();
+        m_video->setPoster(shown.image ? shown.image->image() : QImage{});
+        m_stage->setCurrentWidget(m_video);
+    } else if (shown.isUnreadable) {
+        m_image->clear();
+        m_stage->setCurrentWidget(m_cannotPreview);
+    } else {
+        m_stage->setCurrentWidget(m_image);
+        if (!shown.image) {
+            m_image->clear();
+        } else if (shown.image != m_image->image()) {
+            const auto& pixels = shown.image->image();
+            const auto size =
+                shown.isFullResolution
+                    ? Size{{static_cast<double>(pixels.width()), static_cast<double>(pixels.height())},
+                           ZoomableImageView::SizeIs::known}
+                    : likelySize(pixels, m_image->geometry().pixelSize());
+            m_image->display(shown.image, size.pixels, size.certainty);
+        }
+    }
+    refreshInfo();
+}
+
+void LoupeView::refreshInfo() {
+    LoupeInfoBar::Content content;
+    if (const auto* item = m_library.focusedItem()) {
+        content.url = item->url;
+        content.position = m_library.focusedIndex().value_or(0) + 1;
+        content.total = m_library.visibleItems().size();
+        content.isChecked = m_library.isChecked(item->url);
+        content.rating = m_library.rating(item->url);
+        content.isLoadingFullResolution = m_pictures.shown().isLoading && !showsVideo();
+        if (m_stage->currentWidget() == m_image) content.zoom = m_image->zoom();
+    }
+    m_info->show(content);
+}
+
+void LoupeView::refreshOverlays() {
+    m_info->setVisible(m_library.showsLoupeOverlays());
+    m_filmstrip->setVisible(m_library.showsLoupeOverlays());
+}
+
+void LoupeView::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    m_image->resetZoom();
+    showCannotPreviewSymbol();
+    follow();
+    setFocus();
+}
+
+void LoupeView::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    m_pictures.load(nullptr);
+    m_image->clear();
+    m_video->open({});
+}
+
+void LoupeView::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) showCannotPreviewSymbol();
+}
+
+void LoupeView::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_K && event->modifiers() == Qt::NoModifier && showsVideo())
+        return togglePlayback();
+    QWidget::keyPressEvent(event);
+}
+
+void LoupeView::showCannotPreviewSymbol() {
+    m_cannotPreviewSymbol->setPixmap(
+        symbol(u"exclamationmark.triangle", symbolSide, Theme::current().tertiaryText, devicePixelRatioF()));
+}
+
+} // namespace kelvara

@@ -1,0 +1,263 @@
+#include "views/RootView.h"
+
+#include "platform/Preferences.h"
+#include "views/CopySheet.h"
+#include "views/EmptyState.h"
+#include "views/Sheet.h"
+#include "views/SourceSidebar.h"
+#include "views/Text.h"
+#include "views/WindowFrame.h"
+
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QFile>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QPainter>
+#include <QScreen>
+#include <QSplitter>
+#include <QUrl>
+#include <QVBoxLayout>
+#include <QWindow>
+
+#include <utility>
+
+namespace kelvara {
+
+namespace {
+
+constexpr QSize usualSize{1320, 860};
+constexpr QSize smallestSize{760, 480};
+constexpr int usualSidebarWidth = 244;
+constexpr std::string_view frameKey = "windowFrame";
+constexpr std::string_view sidebarKey = "sidebarWidth";
+
+/// Shows that the window takes what is dragged over it.
+class DropFrame : public QWidget {
+public:
+    explicit DropFrame(QWidget* parent) : QWidget{parent} {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        hide();
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        const auto& theme = Theme::current();
+        auto veil = theme.accent;
+        veil.setAlpha(0x18);
+        QPainter painter{this};
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen{theme.accent, 3});
+        painter.setBrush(veil);
+        painter.drawRoundedRect(QRectF{rect()}.adjusted(6, 6, -6, -6), radius::sheet, radius::sheet);
+    }
+};
+
+/// The first local path in `data`; the file system is not asked.
+FileURL droppedPath(const QMimeData& data) {
+    for (const auto& url : data.urls()) {
+        if (url.isLocalFile())
+            return FileURL::standardized(QFile::encodeName(url.toLocalFile()).toStdString());
+    }
+    return {};
+}
+
+} // namespace
+
+RootView::RootView(LibraryViewModel& library, Preferences& preferences, Desktop& desktop,
+                   PhotoCanvases canvases, std::function<void(const FileURL&)> onDrop)
+    : m_library{library}, m_preferences{preferences}, m_onDrop{std::move(onDrop)} {
+    setMinimumSize(smallestSize);
+    setAcceptDrops(true);
+    m_splitter = new QSplitter{Qt::Horizontal, this};
+    m_splitter->setHandleWidth(1);
+    m_splitter->setChildrenCollapsible(false);
+    m_content = new LibraryContentView{library, preferences, std::move(canvases)};
+    m_splitter->addWidget(new SourceSidebar{library, desktop});
+    m_splitter->addWidget(m_content);
+    m_splitter->setStretchFactor(0, 0);
+    m_splitter->setStretchFactor(1, 1);
+    auto* column = new QVBoxLayout{this};
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(m_splitter);
+
+    m_dropFrame = new DropFrame{this};
+    m_copySheetFrame = new Sheet{this};
+    m_alertFrame = new Sheet{this};
+    m_copySheet = new CopySheet{library, desktop, *m_copySheetFrame, this};
+
+    using P = LibraryProperty;
+    m_subscriptions.push_back(
+        m_library.observe({P::sourceURL, P::volumes}, [this](const auto&) { refreshTitle(); }));
+    m_subscriptions.push_back(
+        m_library.observe({P::ratingSaveError, P::ejectError}, [this](const auto&) { showNextAlert(); }));
+    refreshTitle();
+    restoreGeometryOr(usualSize);
+    m_content->focusPhotos();
+    qApp->installEventFilter(this);
+}
+
+void RootView::refreshTitle() {
+    const auto title = sourceTitle(m_library);
+    setWindowTitle(title.isEmpty() ? QCoreApplication::applicationName() : title);
+}
+
+void RootView::restoreGeometryOr(const QSize& size) {
+    const auto sidebarWidth = static_cast<int>(m_preferences.integer(sidebarKey).value_or(usualSidebarWidth));
+    const auto saved = m_preferences.text(frameKey);
+    if (!saved || !restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(*saved)))) {
+        resize(size.boundedTo(screen()->availableSize() * 0.92));
+    }
+    m_splitter->setSizes({sidebarWidth, std::max(1, width() - sidebarWidth)});
+}
+
+void RootView::saveFrame() {
+    m_preferences.setText(frameKey, saveGeometry().toBase64().toStdString());
+    m_preferences.setInteger(sidebarKey, m_splitter->sizes().value(0, usualSidebarWidth));
+}
+
+void RootView::keepSize(const QSize& size) {
+    m_keepsSize = true;
+    resize(size);
+}
+
+void RootView::fitToScreen() {
+    if (m_keepsSize || !isVisible() || isFullScreen() || isMaximized()) return;
+    const auto frame = frameGeometry();
+    const auto fitted = fittedFrame(frame, screen()->availableGeometry());
+    if (fitted == frame) return;
+    const auto decoration = frame.size() - size();
+    resize(fitted.size() - decoration);
+    move(fitted.topLeft());
+}
+
+void RootView::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (!std::exchange(m_followsScreen, true)) {
+        connect(windowHandle(), &QWindow::screenChanged, this, [this] { fitToScreen(); });
+    }
+    // Once the window manager has put its frame around the window.
+    QMetaObject::invokeMethod(
+        this, [this] { fitToScreen(); }, Qt::QueuedConnection);
+}
+
+void RootView::closeEvent(QCloseEvent* event) {
+    saveFrame();
+    QWidget::closeEvent(event);
+}
+
+void RootView::dragEnterEvent(QDragEnterEvent* event) {
+    if (hasSheet() || droppedPath(*event->mimeData()).isEmpty()) return;
+    event->setDropAction(Qt::LinkAction); // nothing is moved or copied
+    event->accept();
+    m_dropFrame->setGeometry(rect());
+    m_dropFrame->raise();
+    m_dropFrame->show();
+}
+
+void RootView::dragLeaveEvent(QDragLeaveEvent*) { m_dropFrame->hide(); }
+
+void RootView::dropEvent(QDropEvent* event) {
+    m_dropFrame->hide();
+    if (const auto path = droppedPath(*event->mimeData()); !path.isEmpty()) {
+        event->acceptProposedAction();
+        m_onDrop(path);
+    }
+}
+
+bool RootView::hasSheet() const { return m_copySheetFrame->isVisible() || m_alertFrame->isVisible(); }
+
+bool RootView::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress || QApplication::activePopupWidget() || hasSheet()) return false;
+    const auto* receiver = qobject_cast<const QWidget*>(watched);
+    if (!receiver || receiver->window() != this || QApplication::activeModalWidget()) return false;
+    // A key that nobody takes travels up through the parents; the window looks at it once.
+    if (focusWidget() && receiver != focusWidget()) return false;
+    const auto& key = *static_cast<const QKeyEvent*>(event);
+    const auto command = windowCommand(key.key(), key.modifiers(), keyFocus(receiver), m_library.viewMode());
+    if (!command) return false;
+    if (!key.isAutoRepeat() || command->repeats()) perform(*command);
+    return true;
+}
+
+void RootView::perform(const WindowCommand& command) {
+    using Kind = WindowCommand::Kind;
+    const auto zoom = [this](ZoomRequest::Command request) { m_library.requestZoom(request); };
+    const auto& focused = m_library.focusedID();
+    switch (command.kind) {
+    case Kind::moveLeft:
+        return m_library.moveFocus(MoveDirection::left);
+    case Kind::moveRight:
+        return m_library.moveFocus(MoveDirection::right);
+    case Kind::moveUp:
+        return m_library.moveFocus(MoveDirection::up);
+    case Kind::moveDown:
+        return m_library.moveFocus(MoveDirection::down);
+    case Kind::toggleViewMode:
+        return m_library.toggleViewMode();
+    case Kind::goBack:
+        return goBack();
+    case Kind::focusSearch:
+        return m_library.focusSearch();
+    case Kind::focusPhotos:
+        return m_library.requestKeyFocus();
+    case Kind::toggleMark:
+        if (!focused.isEmpty()) m_library.toggleChecked(FileURL{focused});
+        return;
+    case Kind::rate:
+        if (!focused.isEmpty()) m_library.setRating(*Rating::fromRawValue(command.stars), FileURL{focused});
+        return;
+    case Kind::copyMarked:
+        return m_library.startCopy();
+    case Kind::toggleZoom:
+        return zoom(ZoomRequest::Command::toggle);
+    case Kind::zoomIn:
+        return zoom(ZoomRequest::Command::zoomIn);
+    case Kind::zoomOut:
+        return zoom(ZoomRequest::Command::zoomOut);
+    case Kind::zoomToFit:
+        return zoom(ZoomRequest::Command::fit);
+    case Kind::toggleInfo:
+        return m_library.toggleInspector(InspectorTab::info);
+    case Kind::toggleEdit:
+        return m_library.toggleInspector(InspectorTab::edit);
+    case Kind::togglePresets:
+        return m_library.toggleInspector(InspectorTab::presets);
+    case Kind::toggleOverlays:
+        return m_library.setShowsLoupeOverlays(!m_library.showsLoupeOverlays());
+    case Kind::openFolder:
+        return m_library.chooseFolder();
+    case Kind::toggleFullScreen:
+        return toggleFullScreen();
+    case Kind::quit:
+        close();
+        return;
+    }
+}
+
+void RootView::goBack() {
+    if (keyFocus(focusWidget()) != KeyFocus::photos) return m_library.requestKeyFocus();
+    if (m_library.viewMode() == ViewMode::loupe) return m_library.showGrid();
+    if (isFullScreen()) toggleFullScreen();
+}
+
+void RootView::toggleFullScreen() { setWindowState(windowState() ^ Qt::WindowFullScreen); }
+
+void RootView::showNextAlert() {
+    const auto present = [this](const QString& title, const std::string& message, auto clear) {
+        auto* alert = new AlertView{title, text(message)};
+        m_alertFrame->present(alert);
+        m_alertFrame->setButtons(alert->button(), alert->button());
+        connect(alert->button(), &QPushButton::clicked, this, clear);
+    };
+    if (!m_library.ratingSaveError().empty()) {
+        present(tr("Rating Not Saved"), m_library.ratingSaveError(),
+                [this] { m_library.clearRatingSaveError(); });
+    } else if (!m_library.ejectError().empty()) {
+        present(tr("Couldn't Eject"), m_library.ejectError(), [this] { m_library.clearEjectError(); });
+    } else {
+        m_alertFrame->dismiss();
+    }
+}
+
+} // namespace kelvara

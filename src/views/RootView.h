@@ -1,0 +1,62 @@
+#pragma once
+
+#include "library/LibraryViewModel.h"
+#include "views/LibraryContentView.h"
+#include "views/WindowKeys.h"
+
+class QSplitter;
+
+namespace kelvara {
+
+class CopySheet;
+class Sheet;
+
+/// The main window: the sources at the left, their photos at the right.
+class RootView : public QWidget {
+    Q_OBJECT
+
+public:
+    /// `onDrop` is told the path that a person dropped onto the window; it may be a file. References outlive
+    /// the window.
+    RootView(LibraryViewModel& library, Preferences& preferences, Desktop& desktop, PhotoCanvases canvases,
+             std::function<void(const FileURL&)> onDrop);
+
+    [[nodiscard]] bool isSettled() const { return m_content->isSettled(); }
+    void perform(const WindowCommand& command);
+    /// Keeps the size it is given, even where that is larger than the screen: for pictures of the window.
+    void keepSize(const QSize& size);
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    /// Sees every key before the widget that has the focus.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void restoreGeometryOr(const QSize& usualSize);
+    void saveFrame();
+    void fitToScreen();
+    void showNextAlert();
+    void toggleFullScreen();
+    void goBack();
+    void refreshTitle();
+    [[nodiscard]] bool hasSheet() const;
+
+    LibraryViewModel& m_library;
+    Preferences& m_preferences;
+    std::function<void(const FileURL&)> m_onDrop;
+    QSplitter* m_splitter;
+    LibraryContentView* m_content;
+    QWidget* m_dropFrame;
+    Sheet* m_copySheetFrame;
+    Sheet* m_alertFrame;
+    CopySheet* m_copySheet;
+    bool m_followsScreen = false;
+    bool m_keepsSize = false;
+    std::vector<Subscription> m_subscriptions;
+};
+
+} // namespace kelvara

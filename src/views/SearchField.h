@@ -1,0 +1,28 @@
+#pragma once
+
+#include "library/LibraryViewModel.h"
+
+#include <QLineEdit>
+
+namespace kelvara {
+
+/// Filters by file name while one types.
+class SearchField : public QLineEdit {
+    Q_OBJECT
+
+public:
+    explicit SearchField(LibraryViewModel& library, QWidget* parent = nullptr);
+
+protected:
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    void followLibrary();
+
+    LibraryViewModel& m_library;
+    QAction* m_clear;
+    Subscription m_subscription;
+};
+
+} // namespace kelvara

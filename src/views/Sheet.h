@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+class QPushButton;
+
+namespace kelvara {
+
+/// Asks for attention inside its window: dims what lies below, holds the keyboard, and shows one panel.
+/// Return presses the panel's default button, Esc its cancel button.
+class Sheet : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Covers `window`, and follows its size.
+    explicit Sheet(QWidget* window);
+
+    /// Shows `content`, which the sheet owns from now on. A content shown before is deleted.
+    void present(QWidget* content);
+    /// Hides, and gives the keyboard back to whom it was taken from.
+    void dismiss();
+    [[nodiscard]] QWidget* content() const { return m_content; }
+
+    /// The buttons of the keyboard; null for none. The default button takes the focus.
+    void setButtons(QPushButton* defaultButton, QPushButton* cancelButton);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent*) override {}
+    void wheelEvent(QWheelEvent*) override {}
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    void place();
+    [[nodiscard]] QRect panelRect() const;
+
+    QPointer<QWidget> m_content;
+    QPointer<QWidget> m_previousFocus;
+    QPointer<QPushButton> m_default;
+    QPointer<QPushButton> m_cancel;
+};
+
+/// A sentence with a title and an "OK" button, as content of a sheet.
+class AlertView : public QWidget {
+    Q_OBJECT
+
+public:
+    AlertView(const QString& title, const QString& message, QWidget* parent = nullptr);
+    [[nodiscard]] QPushButton* button() const { return m_button; }
+
+private:
+    QPushButton* m_button;
+};
+
+} // namespace kelvara

@@ -1,0 +1,148 @@
+#include "views/SourceSidebar.h"
+
+#include "platform/Desktop.h"
+#include "text/ByteCount.h"
+#include "views/SidebarRow.h"
+#include "views/Symbols.h"
+#include "views/Text.h"
+
+#include <QCoreApplication>
+#include <QHBoxLayout>
+#include <QMenu>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace kelvara {
+
+SourceSidebar::SourceSidebar(LibraryViewModel& library, Desktop& desktop, QWidget* parent)
+    : Panel{&Theme::panel, parent}, m_library{library}, m_desktop{desktop} {
+    setMinimumWidth(200);
+    auto* area = new QScrollArea{this};
+    area->setWidgetResizable(true);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->viewport()->setAutoFillBackground(false);
+    m_list = new QWidget;
+    m_list->setAccessibleName(tr("Sources"));
+    m_column = new QVBoxLayout{m_list};
+    m_column->setContentsMargins(spacing::small, spacing::medium, spacing::small, spacing::small);
+    m_column->setSpacing(1);
+    area->setWidget(m_list);
+    m_list->setAutoFillBackground(false); // setWidget has turned it on
+
+    auto* column = new QVBoxLayout{this};
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(area, 1);
+    column->addWidget(makeFooter());
+
+    using P = LibraryProperty;
+    m_subscriptions.push_back(
+        m_library.observe({P::volumes, P::availableRecentFolders}, [this](const auto&) { rebuild(); }));
+    m_subscriptions.push_back(
+        m_library.observe({P::sourceURL, P::ejectingVolumeID}, [this](const auto&) { markCurrent(); }));
+    rebuild();
+}
+
+QWidget* SourceSidebar::makeFooter() {
+    auto* footer = new QWidget{this};
+    auto* open = makeIconButton(u"folder.badge.plus", tr("Choose Folder…"),
+                                tr("Choose a folder to look through"), footer);
+    connect(open, &QToolButton::clicked, this, [this] { m_library.chooseFolder(); });
+    open->setText(tr("Choose Folder…"));
+    open->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    open->setFont(kelvara::font(TextRole::caption));
+    setSymbol(*open, symbolIcon(u"folder.badge.plus", &Theme::text), 16);
+    auto* version = new ElidedLabel{footer, Qt::ElideRight};
+    dress(*version, TextRole::caption, Tone::quiet);
+    version->setText(tr("Version %1").arg(QCoreApplication::applicationVersion()));
+    version->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    auto* row = new QHBoxLayout{footer};
+    row->setContentsMargins(spacing::small, spacing::tiny, spacing::medium, spacing::small);
+    row->setSpacing(0);
+    row->addWidget(open);
+    row->addWidget(version, 1);
+    return footer;
+}
+
+void SourceSidebar::rebuild() {
+    while (auto* item = m_column->takeAt(0)) {
+        // Later, as the click that led here may still be in one of them.
+        if (item->widget()) item->widget()->hide(), item->widget()->deleteLater();
+        delete item;
+    }
+    m_entries.clear();
+    const auto addVolumes = [this](const QString& title, bool removable) {
+        const auto& volumes = m_library.volumes();
+        const auto belongs = [removable](const VolumeInfo& volume) {
+            return volume.isRemovable == removable;
+        };
+        if (std::none_of(volumes.begin(), volumes.end(), belongs)) return;
+        addHeading(title);
+        for (const auto& volume : volumes) {
+            if (belongs(volume)) addVolume(volume);
+        }
+    };
+    addVolumes(tr("Cards"), true);
+    addVolumes(tr("Volumes"), false);
+    if (!m_library.availableRecentFolders().empty()) {
+        addHeading(tr("Recent Folders"));
+        for (const auto& folder : m_library.availableRecentFolders()) addRecentFolder(folder);
+    }
+    m_column->addStretch(1);
+    markCurrent();
+}
+
+void SourceSidebar::addHeading(const QString& title) {
+    if (m_column->count() > 0) m_column->addSpacing(spacing::large);
+    auto* heading = makeLabel(TextRole::section, Tone::quiet, m_list, title);
+    heading->setContentsMargins(spacing::small, 0, 0, spacing::tiny);
+    m_column->addWidget(heading);
+}
+
+void SourceSidebar::addVolume(const VolumeInfo& volume) {
+    const auto detail = volume.availableCapacity
+                            ? tr("%1 free").arg(text(byteCountText(*volume.availableCapacity)))
+                            : QString{};
+    const auto symbolName = volume.isRemovable ? QStringLiteral("sdcard") : QStringLiteral("externaldrive");
+    auto* row = new VolumeRow{symbolName, text(volume.name), detail, volume.url.path() != "/", m_list};
+    row->setToolTip(pathText(volume.url));
+    connect(row, &SidebarRow::clicked, this, [this, id = volume.url] { m_library.selectVolume(id); });
+    connect(row, &VolumeRow::ejectRequested, this, [this, volume] { m_library.eject(volume); });
+    addRow({row, volume.preferredSourceURL, volume.url});
+}
+
+void SourceSidebar::addRecentFolder(const FileURL& folder) {
+    auto* row = new SidebarRow{QStringLiteral("folder"), nameText(folder), {}, m_list};
+    row->setToolTip(pathText(folder));
+    row->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(row, &SidebarRow::clicked, this, [this, folder] { m_library.openRecentFolder(folder); });
+    connect(row, &QWidget::customContextMenuRequested, this, [this, row, folder](const QPoint& position) {
+        auto* menu = new QMenu{this};
+        menu->setAttribute(Qt::WA_DeleteOnClose);
+        menu->addAction(tr("Show in Finder"), this, [this, folder] { m_desktop.showInFileManager(folder); });
+        menu->addAction(tr("Remove from Recents"), this,
+                        [this, folder] { m_library.removeRecentFolder(folder); });
+        menu->popup(row->mapToGlobal(position));
+    });
+    addRow({row, folder, {}});
+}
+
+void SourceSidebar::addRow(const Entry& entry) {
+    m_column->addWidget(entry.row);
+    m_entries.append(entry);
+    entry.row->show();
+}
+
+void SourceSidebar::markCurrent() {
+    for (const auto& entry : m_entries) {
+        entry.row->setCurrent(entry.source == m_library.sourceURL());
+        if (auto* volume = qobject_cast<VolumeRow*>(entry.row)) {
+            volume->setEjecting(entry.volumeID == m_library.ejectingVolumeID());
+        }
+    }
+}
+
+} // namespace kelvara

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "library/LibraryTypes.h"
+
+#include <QtGlobal>
+#include <qnamespace.h>
+
+#include <optional>
+
+class QWidget;
+
+namespace kelvara {
+
+/// What a key asks of the window.
+struct WindowCommand {
+    enum class Kind {
+        moveLeft,
+        moveRight,
+        moveUp,
+        moveDown,
+        toggleViewMode,
+        goBack, ///< To the grid, out of full screen, or from a control back to the photos.
+        focusSearch,
+        focusPhotos,
+        toggleMark,
+        rate, ///< With `stars`.
+        copyMarked,
+        toggleZoom,
+        zoomIn,
+        zoomOut,
+        zoomToFit,
+        toggleInfo,
+        toggleEdit,
+        togglePresets,
+        toggleOverlays,
+        openFolder,
+        toggleFullScreen,
+        quit,
+    };
+    Kind kind = Kind::moveLeft;
+    int stars = 0;
+    friend bool operator==(const WindowCommand&, const WindowCommand&) = default;
+
+    /// Whether holding the key down does it again and again.
+    [[nodiscard]] bool repeats() const {
+        return kind <= Kind::moveDown || kind == Kind::zoomIn || kind == Kind::zoomOut;
+    }
+};
+
+/// Who has the keyboard. A text field keeps every key that types or edits; a button keeps Space, Return and
+/// the arrows, a slider the arrows.
+enum class KeyFocus { photos, textField, button, slider };
+[[nodiscard]] KeyFocus keyFocus(const QWidget* focusWidget);
+
+/// The command of a key, if the window takes it. `key` is a Qt::Key.
+[[nodiscard]] std::optional<WindowCommand> windowCommand(int key, Qt::KeyboardModifiers modifiers,
+                                                         KeyFocus focus, ViewMode mode);
+
+} // namespace kelvara

@@ -1,0 +1,177 @@
+#include "views/LoupeView.h"
+#include "views/PictureFixture.h"
+#include "views/ZoomableImageView.h"
+
+#include <QTest>
+
+#include <cmath>
+
+namespace kelvara {
+
+namespace {
+
+class LoupeViewTest : public PictureFixture {
+protected:
+    LoupeView& show() {
+        open();
+        m_library->toggleViewMode();
+        m_loupe = std::make_unique<LoupeView>(*m_library, m_thumbnails, m_previews, m_rendering, m_main);
+        m_loupe->resize(400, 400);
+        m_loupe->show();
+        QCoreApplication::processEvents();
+        return *m_loupe;
+    }
+    void focus(std::size_t index) { m_library->setFocusedID(photo(index)); }
+    [[nodiscard]] const ZoomableImageView& view() const { return m_loupe->imageView(); }
+    /// The hue of the picture on screen; nothing while none is shown.
+    [[nodiscard]] std::optional<int> hue() const {
+        if (!view().image()) return std::nullopt;
+        return view().image()->image().pixelColor(10, 10).hue();
+    }
+    [[nodiscard]] bool showsHue(int expected) const {
+        const auto shown = hue();
+        return shown && std::abs(*shown - expected) < 8;
+    }
+
+    std::unique_ptr<LoupeView> m_loupe;
+};
+
+} // namespace
+
+TEST_F(LoupeViewTest, showsAThumbnailFirstAndThenTheFullPicture) {
+    addPhoto("a.jpg", QColor::fromHsv(100, 200, 200), {2400, 1600});
+    show();
+    EXPECT_FALSE(hue());
+    EXPECT_TRUE(m_loupe->isLoading());
+    while (!view().image() && (m_main.runOne() || m_decoding.runOne())) {
+    }
+    EXPECT_EQ(view().image()->image().width(), 1024);
+    EXPECT_FALSE(m_loupe->pictures().shown().isFullResolution);
+    EXPECT_FALSE(view().zoom()); // of how many percent is not known yet
+    const auto before = view().geometry().toView({0, 0});
+    settlePictures();
+    EXPECT_TRUE(m_loupe->pictures().shown().isFullResolution);
+    EXPECT_FALSE(m_loupe->isLoading());
+    EXPECT_EQ(view().geometry().pixelSize(), (ZoomSize{2400, 1600}));
+    // It stands where the thumbnail stood.
+    EXPECT_NEAR(view().geometry().toView({0, 0}).x, before.x, 0.5);
+    EXPECT_NEAR(view().geometry().toView({0, 0}).y, before.y, 0.5);
+    EXPECT_TRUE(view().zoom()->isAtFit);
+}
+
+TEST_F(LoupeViewTest, neverShowsThePictureOfAnotherPhoto) {
+    const std::vector<int> hues{20, 80, 140, 200, 260};
+    for (std::size_t i = 0; i < hues.size(); ++i) {
+        addPhoto(numbered(static_cast<int>(i)), QColor::fromHsv(hues[i], 200, 200));
+    }
+    show();
+    std::size_t focused = 0;
+    for (int step = 0; step < 300; ++step) {
+        // Forwards and backwards at every stage of loading.
+        if (step % 7 == 3 || step % 11 == 5) {
+            focused = (focused * 3 + static_cast<std::size_t>(step)) % hues.size();
+            focus(focused);
+        }
+        switch (step % 3) {
+        case 0:
+            m_decoding.runOne();
+            break;
+        case 1:
+            m_main.runOne();
+            break;
+        default:
+            m_rendering.runOne();
+        }
+        EXPECT_EQ(m_loupe->pictures().shown().url, photo(focused));
+        EXPECT_TRUE(!hue() || showsHue(hues[focused])) << "step " << step;
+    }
+    settlePictures();
+    EXPECT_TRUE(showsHue(hues[focused]));
+    EXPECT_TRUE(m_loupe->pictures().shown().isFullResolution);
+}
+
+TEST_F(LoupeViewTest, aPhotoOfTheSameSizeKeepsZoomAndPlaceAndAnotherGoesToFit) {
+    addPhoto("a.jpg", Qt::red, {2400, 1600});
+    addPhoto("b.jpg", Qt::green, {2400, 1600});
+    addPhoto("c.jpg", Qt::blue, {1600, 2400});
+    show();
+    settlePictures();
+    auto& zoomed = *m_loupe->findChild<ZoomableImageView*>();
+    QTest::mouseClick(&zoomed, Qt::LeftButton, {}, {100, 100});
+    QTest::mouseDClick(&zoomed, Qt::LeftButton, {}, {100, 100});
+    QTest::mouseRelease(&zoomed, Qt::LeftButton, {}, {100, 100});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return zoomed.geometry().magnification() == 1.0; }));
+    const auto origin = zoomed.geometry().origin();
+
+    focus(1);
+    settlePictures();
+    ASSERT_TRUE(m_loupe->pictures().shown().isFullResolution);
+    EXPECT_EQ(zoomed.geometry().magnification(), 1.0);
+    EXPECT_EQ(zoomed.geometry().origin(), origin);
+
+    focus(2);
+    settlePictures();
+    EXPECT_TRUE(zoomed.geometry().isAtFit());
+}
+
+TEST_F(LoupeViewTest, aFileThatCannotBeReadShowsThatItCannot) {
+    addPhoto("a.jpg", Qt::red);
+    m_card.write("b.jpg", "no picture");
+    show();
+    focus(1);
+    settlePictures();
+    EXPECT_TRUE(m_loupe->pictures().shown().isUnreadable);
+    EXPECT_FALSE(view().isVisible());
+    EXPECT_FALSE(m_loupe->isLoading());
+    focus(0);
+    settlePictures();
+    EXPECT_TRUE(view().isVisible());
+    EXPECT_TRUE(m_loupe->pictures().shown().isFullResolution);
+}
+
+TEST_F(LoupeViewTest, prefetchesTheNeighboursOnceThePhotoIsThere) {
+    for (int i = 0; i < 6; ++i) addPhoto(numbered(i), Qt::gray);
+    show();
+    focus(2);
+    settlePictures();
+    EXPECT_NE(m_previews.cachedFullResolution(photo(1)), nullptr);
+    EXPECT_NE(m_previews.cachedFullResolution(photo(3)), nullptr);
+    EXPECT_EQ(m_previews.cachedFullResolution(photo(4)), nullptr);
+    EXPECT_NE(m_thumbnails.cachedThumbnail(photo(5), 1024), nullptr);
+}
+
+TEST_F(LoupeViewTest, zoomCommandsReachThePictureOnce) {
+    addPhoto("a.jpg", Qt::red, {2400, 1600});
+    show();
+    settlePictures();
+    m_library->requestZoom(ZoomRequest::Command::toggle);
+    EXPECT_EQ(view().geometry().target(), 1.0);
+    m_library->requestZoom(ZoomRequest::Command::zoomIn);
+    EXPECT_EQ(view().geometry().target(), 1.5);
+    m_library->requestZoom(ZoomRequest::Command::fit);
+    EXPECT_TRUE(view().geometry().isAtFit());
+}
+
+TEST_F(LoupeViewTest, draggingMovesAZoomedPictureOnly) {
+    addPhoto("a.jpg", Qt::red, {2400, 1600});
+    show();
+    settlePictures();
+    auto& image = *m_loupe->findChild<ZoomableImageView*>();
+    const auto drag = [&] {
+        QTest::mousePress(&image, Qt::LeftButton, {}, {100, 100});
+        QTest::mouseMove(&image, {80, 70});
+        QTest::mouseRelease(&image, Qt::LeftButton, {}, {80, 70});
+    };
+    const auto fitted = image.geometry().origin();
+    drag();
+    EXPECT_EQ(image.geometry().origin(), fitted);
+    m_library->requestZoom(ZoomRequest::Command::toggle);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return image.geometry().magnification() == 1.0; }));
+    const auto origin = image.geometry().origin();
+    drag();
+    EXPECT_DOUBLE_EQ(image.geometry().origin().x, origin.x + 20);
+    EXPECT_DOUBLE_EQ(image.geometry().origin().y, origin.y + 30);
+    EXPECT_EQ(image.cursor().shape(), Qt::OpenHandCursor);
+}
+
+} // namespace kelvara

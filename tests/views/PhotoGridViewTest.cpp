@@ -1,0 +1,152 @@
+#include "views/PhotoGridView.h"
+#include "views/PictureFixture.h"
+
+#include <QScrollBar>
+#include <QTest>
+#include <QWheelEvent>
+
+namespace kelvara {
+
+namespace {
+
+class PhotoGridViewTest : public PictureFixture {
+protected:
+    PhotoGridView& show(int photos, QSize size = {640, 500}) {
+        addPhotos(photos);
+        open();
+        m_grid = std::make_unique<PhotoGridView>(*m_library, m_thumbnails, m_preferences);
+        m_grid->setThumbnailSize(120);
+        m_grid->resize(size);
+        m_grid->show();
+        QCoreApplication::processEvents();
+        return *m_grid;
+    }
+    void click(std::size_t index, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::mouseClick(m_grid->viewport(), Qt::LeftButton, modifiers, m_grid->cellRect(index).center());
+    }
+    void clickMark(std::size_t index) {
+        QTest::mouseClick(m_grid->viewport(), Qt::LeftButton, {},
+                          m_grid->cellRect(index).topLeft() + QPoint{16, 16});
+    }
+    [[nodiscard]] bool isWhole(std::size_t index) const {
+        return m_grid->viewport()->rect().contains(m_grid->cellRect(index));
+    }
+
+    std::unique_ptr<PhotoGridView> m_grid;
+};
+
+} // namespace
+
+TEST_F(PhotoGridViewTest, reportsItsColumnsForNavigation) {
+    const auto& grid = show(30);
+    EXPECT_GT(m_library->columnCount(), 1);
+    EXPECT_EQ(m_library->columnCount(), grid.gridLayout().columns());
+    m_grid->resize(300, 500);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(m_library->columnCount(), GridLayout(m_grid->viewport()->width(), 120, 0, 30).columns());
+}
+
+TEST_F(PhotoGridViewTest, aClickFocusesAndAShiftClickMarksUpToThePhoto) {
+    show(30);
+    click(2);
+    EXPECT_EQ(m_library->focusedIndex(), 2U);
+    EXPECT_TRUE(m_library->checkedIDs().empty());
+    click(5, Qt::ShiftModifier);
+    EXPECT_EQ(m_library->checkedIDs().size(), 4U);
+    EXPECT_EQ(m_library->focusedIndex(), 5U);
+    click(4, Qt::ShiftModifier); // backwards
+    EXPECT_EQ(m_library->checkedIDs().size(), 4U);
+    EXPECT_EQ(m_library->focusedIndex(), 4U);
+}
+
+TEST_F(PhotoGridViewTest, theMarkButtonMarksWithoutMovingTheFocus) {
+    show(30);
+    clickMark(3);
+    EXPECT_TRUE(m_library->isChecked(photo(3)));
+    EXPECT_EQ(m_library->focusedIndex(), 0U);
+    clickMark(3);
+    EXPECT_FALSE(m_library->isChecked(photo(3)));
+    // Let go elsewhere, it does nothing.
+    const auto mark = m_grid->cellRect(3).topLeft() + QPoint{16, 16};
+    QTest::mousePress(m_grid->viewport(), Qt::LeftButton, {}, mark);
+    QTest::mouseRelease(m_grid->viewport(), Qt::LeftButton, {}, m_grid->cellRect(4).center());
+    EXPECT_TRUE(m_library->checkedIDs().empty());
+}
+
+TEST_F(PhotoGridViewTest, aDoubleClickOpensThePhoto) {
+    show(30);
+    QTest::mouseDClick(m_grid->viewport(), Qt::LeftButton, {}, m_grid->cellRect(4).center());
+    EXPECT_EQ(m_library->focusedIndex(), 4U);
+    EXPECT_EQ(m_library->viewMode(), ViewMode::loupe);
+}
+
+TEST_F(PhotoGridViewTest, theFocusedPhotoIsScrolledIntoView) {
+    show(200);
+    m_library->setFocusedID(photo(150));
+    EXPECT_TRUE(isWhole(150));
+    const auto top = m_grid->verticalScrollBar()->value();
+    m_library->setFocusedID(photo(150 - static_cast<std::size_t>(m_library->columnCount())));
+    EXPECT_EQ(m_grid->verticalScrollBar()->value(), top); // was visible already
+    m_library->setFocusedID(photo(0));
+    EXPECT_EQ(m_grid->verticalScrollBar()->value(), 0);
+}
+
+TEST_F(PhotoGridViewTest, keysMoveByPagesAndToTheEnds) {
+    show(200);
+    QTest::keyClick(m_grid.get(), Qt::Key_End);
+    EXPECT_EQ(m_library->focusedIndex(), 199U);
+    EXPECT_TRUE(isWhole(199));
+    QTest::keyClick(m_grid.get(), Qt::Key_Home);
+    EXPECT_EQ(m_library->focusedIndex(), 0U);
+    QTest::keyClick(m_grid.get(), Qt::Key_PageDown);
+    const auto page = *m_library->focusedIndex();
+    EXPECT_EQ(page % static_cast<std::size_t>(m_library->columnCount()), 0U);
+    EXPECT_GT(page, 0U);
+    QTest::keyClick(m_grid.get(), Qt::Key_PageUp);
+    EXPECT_EQ(m_library->focusedIndex(), 0U);
+}
+
+TEST_F(PhotoGridViewTest, anotherThumbnailSizeOrWidthKeepsTheFocusedPhotoInPlace) {
+    show(200);
+    m_library->setFocusedID(photo(100));
+    m_grid->verticalScrollBar()->setValue(m_grid->verticalScrollBar()->value() + 150);
+    ASSERT_TRUE(isWhole(100));
+    const auto offset = m_grid->cellRect(100).top();
+    m_grid->setThumbnailSize(96);
+    EXPECT_EQ(m_grid->cellRect(100).top(), offset);
+    m_grid->resize(480, 500);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(m_grid->cellRect(100).top(), offset);
+    m_grid->setThumbnailSize(300);
+    EXPECT_TRUE(isWhole(100));
+}
+
+TEST_F(PhotoGridViewTest, theWheelScrollsByPixels) {
+    show(200);
+    const auto at = m_grid->viewport()->rect().center();
+    QWheelEvent precise{at, m_grid->mapToGlobal(at), {0, -7}, {0, -20}, Qt::NoButton,
+                        {}, Qt::NoScrollPhase,       false};
+    QCoreApplication::sendEvent(m_grid->viewport(), &precise);
+    EXPECT_EQ(m_grid->verticalScrollBar()->value(), 7);
+}
+
+TEST_F(PhotoGridViewTest, asksOnlyForWhatIsVisibleAndWithdrawsWhatScrolledAway) {
+    auto& grid = show(200);
+    EXPECT_TRUE(grid.isLoading());
+    grid.verticalScrollBar()->setValue(grid.verticalScrollBar()->maximum());
+    settlePictures();
+    EXPECT_FALSE(grid.isLoading());
+    EXPECT_EQ(m_thumbnails.largestCachedThumbnail(photo(0)), nullptr);
+    EXPECT_NE(m_thumbnails.largestCachedThumbnail(photo(199)), nullptr);
+}
+
+TEST_F(PhotoGridViewTest, settlesWithAFileThatCannotBeRead) {
+    m_card.write("broken.jpg", "no picture");
+    auto& grid = show(1);
+    settlePictures();
+    EXPECT_FALSE(grid.isLoading());
+    grid.hide();
+    EXPECT_FALSE(grid.isLoading());
+}
+
+} // namespace kelvara

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "library/LibraryFixture.h"
+#include "services/PreviewService.h"
+#include "services/ThumbnailService.h"
+
+#include <QColor>
+#include <QImage>
+#include <QString>
+
+namespace kelvara {
+
+/// A library of real pictures, whose decodes run when the test says so.
+class PictureFixture : public LibraryFixture {
+protected:
+    /// A JPEG of one colour.
+    void addPhoto(const std::string& name, const QColor& color, const QSize& size = {300, 200}) {
+        QImage image{size, QImage::Format_RGB32};
+        image.fill(color);
+        ASSERT_TRUE(image.save(QString::fromStdString(m_card.at(name).path()), "JPEG", 90));
+    }
+    [[nodiscard]] static std::string numbered(int number) {
+        return QStringLiteral("p%1.jpg").arg(number, 4, 10, QLatin1Char{'0'}).toStdString();
+    }
+    void addPhotos(int count) {
+        for (int i = 0; i < count; ++i) {
+            addPhoto(numbered(i), QColor::fromHsv(i * 17 % 360, 200, 200), {60, 40});
+        }
+    }
+    LibraryViewModel& open() {
+        m_preferences.setText("sortOrder", "name");
+        return start(m_card.url());
+    }
+    /// Runs everything there is to do, decodes included.
+    void settlePictures() {
+        while (m_decoding.runOne() || m_rendering.runOne() || m_main.runOne()) {
+        }
+    }
+    [[nodiscard]] FileURL photo(std::size_t index) const { return m_library->visibleItems()[index].url; }
+
+    ManualExecutor m_decoding;
+    ManualExecutor m_rendering;
+    ThumbnailService m_thumbnails{ImageExecutors{m_decoding, m_decoding, m_main}};
+    PreviewService m_previews{ImageExecutors{m_decoding, m_decoding, m_main}, m_thumbnails};
+};
+
+} // namespace kelvara

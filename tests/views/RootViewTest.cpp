@@ -1,0 +1,203 @@
+#include "views/RootView.h"
+
+#include "library/LibraryFixture.h"
+#include "views/SearchField.h"
+#include "views/SidebarRow.h"
+
+#include <QApplication>
+#include <QPushButton>
+#include <QScreen>
+#include <QTest>
+
+namespace kelvara {
+
+namespace {
+
+/// Stands where the grid or the single image is, and takes the keyboard like them.
+QWidget* makeCanvas() {
+    auto* canvas = new QWidget;
+    canvas->setFocusPolicy(Qt::StrongFocus);
+    return canvas;
+}
+
+} // namespace
+
+/// The real window over a folder of photos; the background runs when the test says so.
+class RootViewTest : public LibraryFixture {
+protected:
+    RootView& open(std::initializer_list<std::string_view> names) {
+        for (const auto name : names) m_card.write(name, "12345678");
+        start(m_card.url());
+        m_grid = makeCanvas();
+        m_loupe = makeCanvas();
+        m_window = std::make_unique<RootView>(
+            *m_library, m_preferences, m_desktop,
+            PhotoCanvases{.grid = m_grid,
+                          .setThumbnailSize = [this](double side) { m_thumbnailSize = side; },
+                          .isGridLoading = [] { return false; },
+                          .loupe = m_loupe,
+                          .isLoupeLoading = [] { return true; }},
+            [this](const FileURL& path) { m_dropped = path; });
+        m_window->show();
+        m_window->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
+        return *m_window;
+    }
+    /// A key as the window system delivers it: to whoever has the focus.
+    void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(key), modifiers);
+    }
+    template <typename W> W* find(const QString& accessibleName = {}) const {
+        for (auto* widget : m_window->findChildren<W*>()) {
+            if (accessibleName.isEmpty() || widget->accessibleName() == accessibleName) return widget;
+        }
+        return nullptr;
+    }
+    [[nodiscard]] QPushButton* visibleButton(const QString& title) const {
+        for (auto* button : m_window->findChildren<QPushButton*>()) {
+            if (button->isVisible() && button->text() == title) return button;
+        }
+        return nullptr;
+    }
+
+    QWidget* m_grid = nullptr;
+    QWidget* m_loupe = nullptr;
+    double m_thumbnailSize = 0;
+    FileURL m_dropped;
+    std::unique_ptr<RootView> m_window;
+};
+
+TEST_F(RootViewTest, theKeyboardBrowsesMarksRatesAndSwitchesTheView) {
+    open({"a.jpg", "b.jpg", "c.jpg"});
+    EXPECT_EQ(QApplication::focusWidget(), m_grid);
+    press(Qt::Key_Right);
+    EXPECT_EQ(focusedName(), "b.jpg");
+    press(Qt::Key_S);
+    EXPECT_TRUE(m_library->isChecked(m_card / "b.jpg"));
+    press(Qt::Key_Return);
+    EXPECT_FALSE(m_library->isChecked(m_card / "b.jpg"));
+    press(Qt::Key_4);
+    EXPECT_EQ(m_library->rating(m_card / "b.jpg").rawValue(), 4);
+
+    press(Qt::Key_Space);
+    EXPECT_EQ(QApplication::focusWidget(), m_loupe);
+    press(Qt::Key_Z);
+    EXPECT_EQ(m_library->zoomRequest()->command, ZoomRequest::Command::toggle);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(QApplication::focusWidget(), m_grid);
+}
+
+TEST_F(RootViewTest, inTheSearchFieldLettersTypeAndDownGivesTheKeyboardBack) {
+    open({"sunset.jpg", "forest.jpg"});
+    press(Qt::Key_F, Qt::ControlModifier);
+    auto* field = find<SearchField>();
+    ASSERT_EQ(QApplication::focusWidget(), field);
+    EXPECT_TRUE(m_library->isSearchFocused());
+    QTest::keyClicks(field, "s1");
+    EXPECT_EQ(m_library->searchText(), "s1");
+    EXPECT_TRUE(m_library->checkedIDs().empty());
+    EXPECT_EQ(m_library->rating(m_library->sortedItems()[0].url), Rating{});
+
+    press(Qt::Key_Backspace);
+    press(Qt::Key_U);
+    EXPECT_EQ(visibleNames(), std::vector<std::string>{"sunset.jpg"});
+    press(Qt::Key_Down);
+    EXPECT_EQ(QApplication::focusWidget(), m_grid);
+    EXPECT_FALSE(m_library->isSearchFocused());
+    press(Qt::Key_S);
+    EXPECT_TRUE(m_library->isChecked(m_card / "sunset.jpg"));
+}
+
+TEST_F(RootViewTest, aSheetHoldsTheKeyboardAndGivesItBack) {
+    open({"a.jpg", "b.jpg"});
+    press(Qt::Key_S);
+    m_library->startCopy();
+    ASSERT_EQ(m_chooser.requests.size(), 1U);
+    m_chooser.answer(FolderChooser::Choice{m_card / "DCIM", false});
+    settle();
+    // The destination lies inside the source.
+    ASSERT_NE(visibleButton("Choose Another Folder…"), nullptr);
+    press(Qt::Key_Right);
+    press(Qt::Key_Space);
+    EXPECT_EQ(focusedName(), "a.jpg");
+    EXPECT_EQ(m_library->viewMode(), ViewMode::grid);
+    for (int i = 0; i < 3; ++i) {
+        press(Qt::Key_Tab);
+        EXPECT_TRUE(qobject_cast<QPushButton*>(QApplication::focusWidget()));
+    }
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(std::holds_alternative<CopyIdle>(m_library->copyState()));
+    EXPECT_EQ(QApplication::focusWidget(), m_grid);
+}
+
+TEST_F(RootViewTest, aFinishedCopyReportsAndReturnEndsIt) {
+    open({"a.jpg"});
+    const TemporaryFolder destination;
+    press(Qt::Key_S);
+    press(Qt::Key_Return, Qt::ControlModifier);
+    m_chooser.answer(FolderChooser::Choice{destination.url(), false});
+    settle();
+    ASSERT_NE(visibleButton("Done"), nullptr);
+    visibleButton("Show in Finder")->click();
+    EXPECT_EQ(m_desktop.shown, std::vector<FileURL>{destination.url()});
+    visibleButton("Clear Marks")->click();
+    EXPECT_TRUE(m_library->checkedIDs().empty());
+    press(Qt::Key_Return);
+    EXPECT_TRUE(std::holds_alternative<CopyIdle>(m_library->copyState()));
+}
+
+TEST_F(RootViewTest, anErrorIsShownUntilItIsAcknowledged) {
+    open({"a.jpg"});
+    m_volumes.mount(volume(FileURL{"/media/card"}, true));
+    auto* row = find<VolumeRow>("card");
+    ASSERT_NE(row, nullptr);
+    emit row->ejectRequested();
+    settle();
+    ASSERT_EQ(m_volumes.ejected.size(), 1U);
+    m_volumes.onEjected(Failure{std::string{"It is busy."}});
+    ASSERT_NE(visibleButton("OK"), nullptr);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(m_library->ejectError(), "");
+    EXPECT_EQ(visibleButton("OK"), nullptr);
+}
+
+TEST_F(RootViewTest, anEmptyGridOffersTheWayOutAndTakesItByMouse) {
+    open({"a.jpg"});
+    m_library->setSearchText("nothing");
+    auto* button = visibleButton("Clear Search");
+    ASSERT_NE(button, nullptr);
+    EXPECT_FALSE(m_window->isSettled());
+    QTest::mouseClick(button, Qt::LeftButton);
+    EXPECT_EQ(m_library->searchText(), "");
+    EXPECT_TRUE(m_grid->isVisible());
+    EXPECT_TRUE(m_window->isSettled());
+}
+
+TEST_F(RootViewTest, theWindowComesBackAsItWasLeftButNotLargerThanTheScreen) {
+    open({"a.jpg"});
+    const auto screen = m_window->screen()->availableGeometry();
+    EXPECT_TRUE(screen.contains(m_window->geometry()) || m_window->minimumWidth() > screen.width());
+    m_window->resize(m_window->minimumSize() + QSize{20, 30});
+    const auto left = m_window->size();
+    m_window->close();
+    m_window.reset();
+    EXPECT_EQ(open({}).size(), left);
+}
+
+TEST_F(RootViewTest, theThumbnailSizeIsRemembered) {
+    m_preferences.setNumber("gridThumbnailSize", 240);
+    open({"a.jpg"});
+    EXPECT_EQ(m_thumbnailSize, 240);
+}
+
+TEST_F(RootViewTest, everyControlHasANameForAssistiveTools) {
+    open({"a.jpg"});
+    m_volumes.mount(volume(FileURL{"/media/card"}, true));
+    for (const auto* button : m_window->findChildren<QAbstractButton*>()) {
+        if (button->focusPolicy() == Qt::NoFocus || !button->isVisible()) continue;
+        EXPECT_FALSE(button->accessibleName().isEmpty() && button->text().isEmpty())
+            << button->metaObject()->className() << " " << button->toolTip().toStdString();
+    }
+}
+
+} // namespace kelvara

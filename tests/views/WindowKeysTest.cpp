@@ -1,0 +1,87 @@
+#include "views/WindowKeys.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSlider>
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+
+namespace kelvara {
+
+using Kind = WindowCommand::Kind;
+
+namespace {
+std::optional<WindowCommand> command(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
+                                     KeyFocus focus = KeyFocus::photos, ViewMode mode = ViewMode::grid) {
+    return windowCommand(key, modifiers, focus, mode);
+}
+} // namespace
+
+TEST(WindowKeysTest, photosAreBrowsedMarkedAndRatedWithPlainKeys) {
+    EXPECT_EQ(command(Qt::Key_Left), WindowCommand{Kind::moveLeft});
+    EXPECT_EQ(command(Qt::Key_Down), WindowCommand{Kind::moveDown});
+    EXPECT_EQ(command(Qt::Key_Space), WindowCommand{Kind::toggleViewMode});
+    EXPECT_EQ(command(Qt::Key_S), WindowCommand{Kind::toggleMark});
+    EXPECT_EQ(command(Qt::Key_Return), WindowCommand{Kind::toggleMark});
+    EXPECT_EQ(command(Qt::Key_Enter, Qt::KeypadModifier), WindowCommand{Kind::toggleMark});
+    EXPECT_EQ(command(Qt::Key_0), (WindowCommand{Kind::rate, 0}));
+    EXPECT_EQ(command(Qt::Key_5, Qt::KeypadModifier), (WindowCommand{Kind::rate, 5}));
+    EXPECT_FALSE(command(Qt::Key_6));
+    EXPECT_FALSE(command(Qt::Key_S, Qt::AltModifier));
+}
+
+TEST(WindowKeysTest, aTextFieldKeepsWhatTypesAndGivesTheFocusBackOnUpDownReturnAndEscape) {
+    for (const int key :
+         {Qt::Key_S, Qt::Key_I, Qt::Key_Z, Qt::Key_5, Qt::Key_Space, Qt::Key_Left, Qt::Key_Right}) {
+        EXPECT_FALSE(command(key, Qt::NoModifier, KeyFocus::textField, ViewMode::loupe)) << key;
+    }
+    for (const int key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Return, Qt::Key_Escape}) {
+        EXPECT_EQ(command(key, Qt::NoModifier, KeyFocus::textField), WindowCommand{Kind::focusPhotos}) << key;
+    }
+    EXPECT_EQ(command(Qt::Key_Return, Qt::ControlModifier, KeyFocus::textField),
+              WindowCommand{Kind::copyMarked});
+}
+
+TEST(WindowKeysTest, aFocusedButtonIsPressedBySpaceAndReturnButLettersStillReachThePhotos) {
+    EXPECT_FALSE(command(Qt::Key_Space, Qt::NoModifier, KeyFocus::button));
+    EXPECT_FALSE(command(Qt::Key_Return, Qt::NoModifier, KeyFocus::button));
+    EXPECT_FALSE(command(Qt::Key_Left, Qt::NoModifier, KeyFocus::slider));
+    EXPECT_EQ(command(Qt::Key_S, Qt::NoModifier, KeyFocus::button), WindowCommand{Kind::toggleMark});
+    EXPECT_EQ(command(Qt::Key_Escape, Qt::NoModifier, KeyFocus::slider), WindowCommand{Kind::goBack});
+}
+
+TEST(WindowKeysTest, zoomKeysWorkInTheSingleImageOnlyOnEveryKindOfKeyboard) {
+    const auto inLoupe = [](int key, Qt::KeyboardModifiers modifiers) {
+        return command(key, modifiers, KeyFocus::photos, ViewMode::loupe);
+    };
+    EXPECT_EQ(inLoupe(Qt::Key_Z, Qt::NoModifier), WindowCommand{Kind::toggleZoom});
+    EXPECT_EQ(inLoupe(Qt::Key_Plus, Qt::ControlModifier), WindowCommand{Kind::zoomIn});
+    EXPECT_EQ(inLoupe(Qt::Key_Equal, Qt::ControlModifier), WindowCommand{Kind::zoomIn});
+    EXPECT_EQ(inLoupe(Qt::Key_Plus, Qt::ControlModifier | Qt::ShiftModifier), WindowCommand{Kind::zoomIn});
+    EXPECT_EQ(inLoupe(Qt::Key_Minus, Qt::ControlModifier | Qt::KeypadModifier), WindowCommand{Kind::zoomOut});
+    EXPECT_EQ(inLoupe(Qt::Key_0, Qt::ControlModifier), WindowCommand{Kind::zoomToFit});
+    EXPECT_FALSE(command(Qt::Key_Z));
+    EXPECT_FALSE(command(Qt::Key_0, Qt::ControlModifier));
+}
+
+TEST(WindowKeysTest, onlyMovingAndZoomingRepeatWhileAKeyIsHeld) {
+    EXPECT_TRUE(command(Qt::Key_Right)->repeats());
+    EXPECT_FALSE(command(Qt::Key_Space)->repeats());
+    EXPECT_FALSE(command(Qt::Key_S)->repeats());
+}
+
+TEST(WindowKeysTest, theFocusIsToldApartByTheKindOfWidget) {
+    const QLineEdit field;
+    const QPushButton button;
+    const QSlider slider;
+    const QWidget canvas;
+    EXPECT_EQ(keyFocus(&field), KeyFocus::textField);
+    EXPECT_EQ(keyFocus(&button), KeyFocus::button);
+    EXPECT_EQ(keyFocus(&slider), KeyFocus::slider);
+    EXPECT_EQ(keyFocus(&canvas), KeyFocus::photos);
+    EXPECT_EQ(keyFocus(nullptr), KeyFocus::photos);
+}
+
+} // namespace kelvara
