@@ -1,0 +1,30 @@
+#include "app/ImageServices.h"
+
+#include <algorithm>
+#include <thread>
+
+namespace kelvara {
+
+namespace {
+/// More than two even on small machines: two read thumbnails, and the photo that is opened waits for neither.
+unsigned decodingThreads() { return std::clamp(std::thread::hardware_concurrency(), 3U, 8U); }
+} // namespace
+
+ImageServices::ImageServices(Executor& main)
+    : m_decoding{decodingThreads()}, m_rendering{2}, m_lanes{m_decoding, decodingThreads() - 1},
+      m_thumbnails{ImageExecutors{m_lanes.urgent(), m_lanes.background(), main}},
+      m_previews{ImageExecutors{m_lanes.urgent(), m_lanes.background(), main}, m_thumbnails} {}
+
+ImageServices::~ImageServices() {
+    // The threads first, because what they are at still ends in the services; but the pools stay, because the
+    // services withdraw what waits and hand that to them.
+    m_rendering.end();
+    m_decoding.end();
+}
+
+void ImageServices::emptyCaches() {
+    m_thumbnails.emptyCaches();
+    m_previews.emptyCaches();
+}
+
+} // namespace kelvara

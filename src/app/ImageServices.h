@@ -1,0 +1,33 @@
+#pragma once
+
+#include "async/PriorityLanes.h"
+#include "async/ThreadPool.h"
+#include "services/PreviewService.h"
+#include "services/ThumbnailService.h"
+
+namespace kelvara {
+
+/// The services that make pictures, with the threads they work on.
+class ImageServices {
+public:
+    /// `main` outlives it; so does nobody who holds a request.
+    explicit ImageServices(Executor& main);
+    ~ImageServices();
+    ImageServices(const ImageServices&) = delete;
+    ImageServices& operator=(const ImageServices&) = delete;
+
+    [[nodiscard]] ThumbnailService& thumbnails() { return m_thumbnails; }
+    [[nodiscard]] PreviewService& previews() { return m_previews; }
+    /// For preparing large pictures off the main thread.
+    [[nodiscard]] Executor& rendering() { return m_rendering; }
+    void emptyCaches();
+
+private:
+    ThreadPool m_decoding;
+    ThreadPool m_rendering;
+    PriorityLanes m_lanes; // into m_decoding
+    ThumbnailService m_thumbnails;
+    PreviewService m_previews;
+};
+
+} // namespace kelvara

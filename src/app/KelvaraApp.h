@@ -1,0 +1,63 @@
+#pragma once
+
+#include "app/ImageServices.h"
+#include "async/ThreadPool.h"
+#include "library/LibraryViewModel.h"
+#include "platform/linux/LinuxDesktop.h"
+#include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/QtMainExecutor.h"
+#include "platform/linux/SettingsPreferences.h"
+#include "platform/linux/UDisksVolumes.h"
+#include "services/CopyService.h"
+#include "services/VolumeService.h"
+#include "services/XMPService.h"
+#include "views/FolderChooserDialog.h"
+#include "views/RootView.h"
+
+#include <QString>
+
+#include <memory>
+#include <string>
+
+namespace kelvara {
+
+/// Makes everything the application consists of, once, and puts it together.
+class KelvaraApp {
+public:
+    struct Options {
+        FileURL folder;          ///< Opened at start; empty for the remembered one.
+        QString preferencesPath; ///< The file of the settings.
+    };
+
+    explicit KelvaraApp(const Options& options);
+    ~KelvaraApp();
+
+    [[nodiscard]] LibraryViewModel& library() { return *m_library; }
+    [[nodiscard]] RootView& window() { return *m_window; }
+    [[nodiscard]] Preferences& preferences() { return m_preferences; }
+
+private:
+    PhotoCanvases makeCanvases();
+    void openDropped(const FileURL& path);
+
+    // From the bottom up: what comes later uses what comes before, and goes first.
+    SettingsPreferences m_preferences;
+    QtMainExecutor m_main;
+    LinuxFileSystem m_files;
+    UDisksVolumes m_volumes;
+    LinuxDesktop m_desktop;
+    FolderChooserDialog m_folderChooser;
+    std::string m_locale;
+    VolumeService m_volumeService;
+    XMPService m_sidecars;
+    CopyService m_copier;
+    ImageServices m_images;
+    ThreadPool m_background;
+    ThreadPool m_sidecarWrites;
+    std::unique_ptr<LibraryViewModel> m_library;
+    std::unique_ptr<RootView> m_window;
+    /// Expires with the application; answers that arrive later see it and do nothing.
+    std::shared_ptr<int> m_lifetime = std::make_shared<int>(0);
+};
+
+} // namespace kelvara

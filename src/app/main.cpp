@@ -1,0 +1,136 @@
+#include "app/Catalogue.h"
+#include "app/DesktopAppearance.h"
+#include "app/KelvaraApp.h"
+#include "app/Screenshots.h"
+#include "views/ApplicationStyle.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include <cstdio>
+#include <optional>
+
+namespace {
+
+using kelvara::Theme;
+
+struct Arguments {
+    kelvara::FileURL folder;
+    QString screenshotFolder;
+    std::optional<Theme::Appearance> appearance;
+    std::optional<QSize> size;
+};
+
+[[noreturn]] void refuse(const QString& reason) {
+    std::fprintf(stderr, "kelvara: %s\nTry kelvara --help.\n", qPrintable(reason));
+    std::exit(2);
+}
+
+std::optional<QSize> parsedSize(const QString& text) {
+    const auto parts = text.split(u'x');
+    if (parts.size() != 2) return std::nullopt;
+    const QSize size{parts[0].toInt(), parts[1].toInt()};
+    return size.isEmpty() ? std::nullopt : std::optional{size};
+}
+
+Arguments parse(const QCoreApplication& application) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Goes through a memory card's photos, marks the keepers and copies them safely."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption screenshots{QStringLiteral("screenshots"),
+                                         QStringLiteral("Write grid.png and loupe.png to <folder> and quit."),
+                                         QStringLiteral("folder")};
+    const QCommandLineOption theme{QStringLiteral("theme"), QStringLiteral("Look: dark or light."),
+                                   QStringLiteral("dark|light")};
+    const QCommandLineOption size{QStringLiteral("size"), QStringLiteral("Size of the window in points."),
+                                  QStringLiteral("WxH")};
+    parser.addOptions({screenshots, theme, size});
+    parser.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("The folder or card to open."),
+                                 QStringLiteral("[folder]"));
+    parser.process(application);
+
+    Arguments arguments;
+    const auto folders = parser.positionalArguments();
+    if (folders.size() > 1) refuse(QStringLiteral("only one folder can be opened."));
+    if (!folders.isEmpty()) {
+        arguments.folder =
+            kelvara::FileURL::standardized(QFile::encodeName(folders.first()).toStdString(),
+                                           QFile::encodeName(QDir::currentPath()).toStdString());
+    }
+    arguments.screenshotFolder = parser.value(screenshots);
+    if (parser.isSet(screenshots) && arguments.folder.isEmpty()) {
+        refuse(QStringLiteral("--screenshots needs a folder of photos to show."));
+    }
+    if (parser.isSet(theme)) {
+        const auto name = parser.value(theme);
+        if (name != u"dark" && name != u"light") refuse(QStringLiteral("--theme is dark or light."));
+        arguments.appearance = name == u"light" ? Theme::Appearance::light : Theme::Appearance::dark;
+    }
+    if (parser.isSet(size)) {
+        arguments.size = parsedSize(parser.value(size));
+        if (!arguments.size) refuse(QStringLiteral("--size is width x height, such as 1280x800."));
+    }
+    return arguments;
+}
+
+QString preferencesPath() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           QStringLiteral("/kelvara/kelvara.conf");
+}
+
+constexpr std::string_view appearanceKey = "lastAppearance";
+
+/// Starts in the look the desktop last asked for, so that nothing flashes, and follows it from then on.
+void followDesktop(kelvara::DesktopAppearance& desktop, QApplication& application,
+                   kelvara::Preferences& preferences) {
+    const auto last = preferences.text(appearanceKey);
+    kelvara::applyTheme(application, last == "light" ? Theme::Appearance::light : Theme::Appearance::dark);
+    QObject::connect(&desktop, &kelvara::DesktopAppearance::appearanceChanged, &application,
+                     [&application, &preferences](Theme::Appearance appearance) {
+                         preferences.setText(appearanceKey,
+                                             appearance == Theme::Appearance::light ? "light" : "dark");
+                         if (Theme::current().appearance != appearance)
+                             kelvara::applyTheme(application, appearance);
+                     });
+}
+
+} // namespace
+
+int main(int argumentCount, char** argumentValues) {
+    QApplication application{argumentCount, argumentValues};
+    QCoreApplication::setApplicationName(QStringLiteral("Kelvara"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(KELVARA_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral("kelvara"));
+    const auto arguments = parse(application);
+    kelvara::installPlatformCatalogue(application);
+
+    // Pictures for the documentation depend on nobody's settings, and change none.
+    const auto takesScreenshots = !arguments.screenshotFolder.isEmpty();
+    const QTemporaryDir scratch;
+    kelvara::applyTheme(application, arguments.appearance.value_or(Theme::Appearance::dark));
+    kelvara::KelvaraApp app{{.folder = arguments.folder,
+                             .preferencesPath = takesScreenshots
+                                                    ? scratch.filePath(QStringLiteral("kelvara.conf"))
+                                                    : preferencesPath()}};
+    kelvara::DesktopAppearance desktop{QDBusConnection::sessionBus()};
+    QObject::connect(&desktop, &kelvara::DesktopAppearance::reducedMotionChanged, &kelvara::setReducedMotion);
+    if (!arguments.appearance && !takesScreenshots) followDesktop(desktop, application, app.preferences());
+
+    if (arguments.size && takesScreenshots)
+        app.window().keepSize(*arguments.size);
+    else if (arguments.size)
+        app.window().resize(*arguments.size);
+    app.window().show();
+    std::optional<kelvara::Screenshots> screenshots;
+    if (takesScreenshots) {
+        screenshots.emplace(app.library(), app.window(), arguments.screenshotFolder,
+                            [](int status) { QCoreApplication::exit(status); });
+    }
+    return QApplication::exec();
+}
