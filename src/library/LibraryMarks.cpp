@@ -5,6 +5,7 @@
 #include "text/Localized.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace kelvara {
 
@@ -88,6 +89,21 @@ void LibraryViewModel::didSaveRating(Rating saved, const FileURL& id, const Resu
     }
     // A running scan may have read the sidecar before it was written.
     if (--m_runningSaves == 0 && !m_isScanning) m_savedRatings.clear();
+}
+
+std::vector<PhotoItem> LibraryViewModel::pairedFiles(std::span<const PhotoItem> of) const {
+    std::unordered_set<FileURL> given;
+    std::unordered_set<FileURL> stemKeys;
+    for (const auto& item : of) {
+        given.insert(item.url);
+        stemKeys.insert(item.url.stemKey());
+    }
+    std::vector<PhotoItem> paired;
+    for (std::size_t i = 0; i < m_items->size(); ++i) {
+        const auto& item = (*m_items)[i];
+        if (!given.contains(item.url) && stemKeys.contains(m_index->shot(i).stemKey)) paired.push_back(item);
+    }
+    return paired;
 }
 
 std::vector<PhotoItem> LibraryViewModel::actionTargets(const PhotoItem& item) const {

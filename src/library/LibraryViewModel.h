@@ -214,6 +214,8 @@ public:
     [[nodiscard]] bool keepsRatingInSidecar(const FileURL& id) const;
     [[nodiscard]] const std::string& ratingSaveError() const { return m_ratingSaveError; }
     void clearRatingSaveError() { assign(Property::ratingSaveError, m_ratingSaveError, {}); }
+    /// The other items of the source that belong to the same shots, in the source's order.
+    [[nodiscard]] std::vector<PhotoItem> pairedFiles(std::span<const PhotoItem> of) const;
     /// What an action on one item applies to: all marked items when it is one of several, else it alone.
     [[nodiscard]] std::vector<PhotoItem> actionTargets(const PhotoItem& item) const;
 

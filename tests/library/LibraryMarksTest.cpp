@@ -102,6 +102,21 @@ TEST_F(LibraryMarksTest, aRatingThatCouldNotBeSavedIsGoneAfterARescan) {
     EXPECT_FALSE(m_library->ratingSaveError().empty());
 }
 
+TEST_F(LibraryMarksTest, filesOfOneStemInOneFolderArePaired) {
+    for (const auto* name : {"raw/e.mov", "raw/E.jpg", "other/e.CR3"}) m_card.write(name, "x", 2000);
+    m_library->rescan();
+    settle();
+    const auto pairsOf = [this](std::string_view name) {
+        const std::vector<PhotoItem> items{{url(name), 0, std::nullopt}};
+        std::vector<FileURL> urls;
+        for (const auto& item : m_library->pairedFiles(items)) urls.push_back(item.url);
+        return urls;
+    };
+    EXPECT_THAT(pairsOf("raw/e.NEF"), ElementsAre(url("raw/e.JPG"), url("raw/e.mov")));
+    EXPECT_TRUE(pairsOf("raw/E.jpg").empty()) << "names are told apart by case";
+    EXPECT_TRUE(pairsOf("other/e.CR3").empty());
+}
+
 TEST_F(LibraryMarksTest, clearingStarsThatAreNotThereWritesNothing) {
     m_library->setRating(Rating{}, url("raw/e.NEF"));
     EXPECT_EQ(m_sidecarWrites.pending(), 0U);
