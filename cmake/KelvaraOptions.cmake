@@ -2,15 +2,16 @@
 
 find_program(CCACHE ccache)
 if(CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+  # Relative paths in the cache's keys let one compiler cache serve several checkouts.
+  set(CMAKE_CXX_COMPILER_LAUNCHER
+    ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${CCACHE})
 endif()
 
 add_library(kelvara_options INTERFACE)
 target_compile_options(kelvara_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
   -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual -Wimplicit-fallthrough
-  # Paths in assertions and debug information do not depend on where the checkout lies,
-  # which also lets one compiler cache serve several checkouts.
+  # Paths in assertions and debug information do not depend on where the checkout lies.
   -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # Takes the operators of std::string for overlapping copies (GCC bug 105651, mended in 13).
