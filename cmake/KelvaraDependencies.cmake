@@ -17,6 +17,7 @@ pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET libavformat libavcodec libavut
 
 if(KELVARA_APP)
   find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Widgets Svg Multimedia MultimediaWidgets LinguistTools)
+  pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
   set(CMAKE_AUTOMOC_MOC_OPTIONS "")
 endif()
 if(KELVARA_TESTS)

@@ -47,6 +47,8 @@ KelvaraApp::KelvaraApp(const Options& options)
     m_window = std::make_unique<RootView>(*m_library, m_preferences, m_desktop, makeCanvases(),
                                           [this](const FileURL& path) { openDropped(path); });
     m_folderChooser.setWindow(m_window.get());
+    m_screenColors = std::make_unique<ScreenColorSpaceObserver>(
+        *m_window, QDBusConnection::systemBus(), m_files, m_background, m_main, [this] { reloadPictures(); });
     if (!options.folder.isEmpty())
         m_library->openRecentFolder(options.folder); // so that it is among the recents
 }
@@ -54,14 +56,20 @@ KelvaraApp::KelvaraApp(const Options& options)
 KelvaraApp::~KelvaraApp() = default;
 
 PhotoCanvases KelvaraApp::makeCanvases() {
-    auto* grid = new PhotoGridView{*m_library, m_images.thumbnails(), m_preferences};
-    auto* loupe =
+    m_grid = new PhotoGridView{*m_library, m_images.thumbnails(), m_preferences};
+    m_loupe =
         new LoupeView{*m_library, m_images.thumbnails(), m_images.previews(), m_images.rendering(), m_main};
-    return {.grid = grid,
-            .setThumbnailSize = [grid](double side) { grid->setThumbnailSize(side); },
-            .isGridLoading = [grid] { return grid->isLoading(); },
-            .loupe = loupe,
-            .isLoupeLoading = [loupe] { return loupe->isLoading(); }};
+    return {.grid = m_grid,
+            .setThumbnailSize = [grid = m_grid](double side) { grid->setThumbnailSize(side); },
+            .isGridLoading = [grid = m_grid] { return grid->isLoading(); },
+            .loupe = m_loupe,
+            .isLoupeLoading = [loupe = m_loupe] { return loupe->isLoading(); }};
+}
+
+void KelvaraApp::reloadPictures() {
+    m_images.emptyCaches();
+    m_grid->reloadThumbnails();
+    m_loupe->reloadPictures();
 }
 
 void KelvaraApp::openDropped(const FileURL& path) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ImageServices.h"
+#include "app/ScreenColorSpaceObserver.h"
 #include "async/ThreadPool.h"
 #include "library/LibraryViewModel.h"
 #include "platform/linux/LinuxDesktop.h"
@@ -21,6 +22,9 @@
 
 namespace kelvara {
 
+class LoupeView;
+class PhotoGridView;
+
 /// Makes everything the application consists of, once, and puts it together.
 class KelvaraApp {
 public:
@@ -39,6 +43,8 @@ public:
 private:
     PhotoCanvases makeCanvases();
     void openDropped(const FileURL& path);
+    /// All pictures in memory are in the colours of the old screen.
+    void reloadPictures();
 
     // From the bottom up: what comes later uses what comes before, and goes first.
     SettingsPreferences m_preferences;
@@ -56,6 +62,9 @@ private:
     ThreadPool m_sidecarWrites;
     std::unique_ptr<LibraryViewModel> m_library;
     std::unique_ptr<RootView> m_window;
+    PhotoGridView* m_grid = nullptr; // the window's
+    LoupeView* m_loupe = nullptr;    // the window's
+    std::unique_ptr<ScreenColorSpaceObserver> m_screenColors;
     /// Expires with the application; answers that arrive later see it and do nothing.
     std::shared_ptr<int> m_lifetime = std::make_shared<int>(0);
 };

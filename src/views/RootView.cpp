@@ -6,7 +6,7 @@
 #include "views/Sheet.h"
 #include "views/SourceSidebar.h"
 #include "views/Text.h"
-#include "views/WindowFrame.h"
+#include "views/WindowFrameGuard.h"
 
 #include <QApplication>
 #include <QDragEnterEvent>
@@ -18,7 +18,6 @@
 #include <QSplitter>
 #include <QUrl>
 #include <QVBoxLayout>
-#include <QWindow>
 
 #include <utility>
 
@@ -84,6 +83,7 @@ RootView::RootView(LibraryViewModel& library, Preferences& preferences, Desktop&
     m_dropFrame = new DropFrame{this};
     m_copySheetFrame = new Sheet{this};
     m_alertFrame = new Sheet{this};
+    m_frameGuard = new WindowFrameGuard{*this};
     m_copySheet = new CopySheet{library, desktop, *m_copySheetFrame, this};
 
     using P = LibraryProperty;
@@ -117,28 +117,8 @@ void RootView::saveFrame() {
 }
 
 void RootView::keepSize(const QSize& size) {
-    m_keepsSize = true;
+    delete std::exchange(m_frameGuard, nullptr);
     resize(size);
-}
-
-void RootView::fitToScreen() {
-    if (m_keepsSize || !isVisible() || isFullScreen() || isMaximized()) return;
-    const auto frame = frameGeometry();
-    const auto fitted = fittedFrame(frame, screen()->availableGeometry());
-    if (fitted == frame) return;
-    const auto decoration = frame.size() - size();
-    resize(fitted.size() - decoration);
-    move(fitted.topLeft());
-}
-
-void RootView::showEvent(QShowEvent* event) {
-    QWidget::showEvent(event);
-    if (!std::exchange(m_followsScreen, true)) {
-        connect(windowHandle(), &QWindow::screenChanged, this, [this] { fitToScreen(); });
-    }
-    // Once the window manager has put its frame around the window.
-    QMetaObject::invokeMethod(
-        this, [this] { fitToScreen(); }, Qt::QueuedConnection);
 }
 
 void RootView::closeEvent(QCloseEvent* event) {

@@ -10,6 +10,7 @@ namespace kelvara {
 
 class CopySheet;
 class Sheet;
+class WindowFrameGuard;
 
 /// The main window: the sources at the left, their photos at the right.
 class RootView : public QWidget {
@@ -27,7 +28,6 @@ public:
     void keepSize(const QSize& size);
 
 protected:
-    void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragLeaveEvent(QDragLeaveEvent* event) override;
@@ -38,7 +38,6 @@ protected:
 private:
     void restoreGeometryOr(const QSize& usualSize);
     void saveFrame();
-    void fitToScreen();
     void showNextAlert();
     void toggleFullScreen();
     void goBack();
@@ -54,8 +53,7 @@ private:
     Sheet* m_copySheetFrame;
     Sheet* m_alertFrame;
     CopySheet* m_copySheet;
-    bool m_followsScreen = false;
-    bool m_keepsSize = false;
+    WindowFrameGuard* m_frameGuard;
     std::vector<Subscription> m_subscriptions;
 };
 

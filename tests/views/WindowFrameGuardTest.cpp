@@ -1,10 +1,10 @@
-#include "views/WindowFrame.h"
+#include "views/WindowFrameGuard.h"
 
 #include <gtest/gtest.h>
 
 namespace kelvara {
 
-TEST(WindowFrameTest, aWindowIsShrunkToTheScreenAndMovedOntoIt) {
+TEST(WindowFrameGuardTest, aWindowIsShrunkToTheScreenAndMovedOntoIt) {
     const QRect screen{100, 40, 1280, 760};
     EXPECT_EQ(fittedFrame({0, 0, 3000, 2000}, screen), screen);
     EXPECT_EQ(fittedFrame({-300, 60, 800, 600}, screen), QRect(100, 60, 800, 600));
