@@ -38,6 +38,7 @@ FilmstripView::FilmstripView(LibraryViewModel& library, ThumbnailService& thumbn
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
     setAccessibleName(tr("Filmstrip"));
+    makeCellsAccessible(*this);
     m_frames.setInterval(16);
     m_frames.setTimerType(Qt::PreciseTimer);
     connect(&m_frames, &QTimer::timeout, this, &FilmstripView::step);

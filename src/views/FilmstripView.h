@@ -3,6 +3,7 @@
 #include "library/LibraryViewModel.h"
 #include "views/CellPainter.h"
 #include "views/CellThumbnails.h"
+#include "views/PhotoCells.h"
 
 #include <QElapsedTimer>
 #include <QTimer>
@@ -14,7 +15,7 @@ namespace kelvara {
 
 /// The photos of the library in a row, moved so that the focused one stays in the middle. Only what is on
 /// screen is looked at.
-class FilmstripView : public QWidget {
+class FilmstripView : public QWidget, public PhotoCells {
     Q_OBJECT
 
 public:
@@ -22,8 +23,11 @@ public:
 
     [[nodiscard]] bool isLoading() const { return m_thumbnails.isLoading(); }
     void reloadThumbnails() { m_thumbnails.reload(); }
-    [[nodiscard]] QRect cellRect(std::size_t index) const;
-    [[nodiscard]] std::optional<std::size_t> indexAt(const QPoint& point) const;
+    [[nodiscard]] LibraryViewModel& library() const override { return m_library; }
+    [[nodiscard]] QWidget& canvas() override { return *this; }
+    [[nodiscard]] QRect cellRect(std::size_t index) const override;
+    [[nodiscard]] std::optional<std::size_t> indexAt(const QPoint& point) const override;
+    [[nodiscard]] ThumbnailCellState state(std::size_t index) const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -46,7 +50,6 @@ private:
     [[nodiscard]] IndexRange visibleRange() const;
     void loadVisible();
     void setHovered(std::optional<std::size_t> index);
-    [[nodiscard]] ThumbnailCellState state(std::size_t index) const;
 
     LibraryViewModel& m_library;
     CellThumbnails m_thumbnails;

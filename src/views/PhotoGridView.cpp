@@ -35,6 +35,7 @@ PhotoGridView::PhotoGridView(LibraryViewModel& library, ThumbnailService& thumbn
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(tr("Photos"));
+    makeCellsAccessible(*this);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     viewport()->setMouseTracking(true);
     m_settled.setSingleShot(true);

@@ -4,6 +4,7 @@
 #include "views/CellPainter.h"
 #include "views/CellThumbnails.h"
 #include "views/GridLayout.h"
+#include "views/PhotoCells.h"
 
 #include <QAbstractScrollArea>
 #include <QTimer>
@@ -18,7 +19,7 @@ class Preferences;
 
 /// The photos of the library as a grid of thumbnails. Nothing but the visible cells is looked at or painted,
 /// so that 100,000 photos scroll as 100 do.
-class PhotoGridView : public QAbstractScrollArea {
+class PhotoGridView : public QAbstractScrollArea, public PhotoCells {
     Q_OBJECT
 
 public:
@@ -37,10 +38,12 @@ public:
     void readPreferences();
 
     [[nodiscard]] const GridLayout& gridLayout() const { return m_layout; }
-    /// Where the cell of a visible item is, in the viewport.
-    [[nodiscard]] QRect cellRect(std::size_t index) const;
     [[nodiscard]] IndexRange visibleRange() const;
-    [[nodiscard]] std::optional<std::size_t> indexAt(const QPoint& viewportPoint) const;
+    [[nodiscard]] LibraryViewModel& library() const override { return m_library; }
+    [[nodiscard]] QWidget& canvas() override { return *viewport(); }
+    [[nodiscard]] QRect cellRect(std::size_t index) const override;
+    [[nodiscard]] std::optional<std::size_t> indexAt(const QPoint& viewportPoint) const override;
+    [[nodiscard]] ThumbnailCellState state(std::size_t index) const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -70,7 +73,6 @@ private:
     void showFocused();
     void loadVisible();
     void prefetch();
-    [[nodiscard]] ThumbnailCellState state(std::size_t index) const;
     [[nodiscard]] int top() const;
     [[nodiscard]] int pixelSize() const;
     void updateCell(const FileURL& url);

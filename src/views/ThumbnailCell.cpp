@@ -260,8 +260,10 @@ void paintFocusRing(QPainter& painter, const QRect& rect) {
 }
 
 QString accessibleValue(bool isMarked, Rating rating) {
-    const auto stars = RatingStars::text(rating);
-    return isMarked ? tr("Marked") + QStringLiteral(", ") + stars : stars;
+    QStringList parts;
+    if (isMarked) parts.append(tr("Marked"));
+    if (rating != Rating{}) parts.append(RatingStars::text(rating));
+    return parts.join(QStringLiteral(", "));
 }
 
 QString unreadableText(const QString& name) {

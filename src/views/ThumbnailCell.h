@@ -50,7 +50,7 @@ void paintRoughly(QPainter& painter, const QRect& rect, const ThumbnailCellState
 /// Lies around the cell, in the gap between cells.
 void paintFocusRing(QPainter& painter, const QRect& rect);
 
-/// What assistive tools say: "Marked, 3 of 5 stars"
+/// What assistive tools say: "Marked, 3 of 5 stars"; nothing of stars where there are none.
 [[nodiscard]] QString accessibleValue(bool isMarked, Rating rating);
 [[nodiscard]] QString unreadableText(const QString& name);
 

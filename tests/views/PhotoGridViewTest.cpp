@@ -1,6 +1,7 @@
 #include "views/PhotoGridView.h"
 #include "views/PictureFixture.h"
 
+#include <QAccessible>
 #include <QScrollBar>
 #include <QTest>
 #include <QWheelEvent>
@@ -147,6 +148,40 @@ TEST_F(PhotoGridViewTest, settlesWithAFileThatCannotBeRead) {
     EXPECT_FALSE(grid.isLoading());
     grid.hide();
     EXPECT_FALSE(grid.isLoading());
+}
+
+TEST_F(PhotoGridViewTest, assistiveToolsSeeEachPhotoAndCanMarkAndOpenIt) {
+    auto& grid = show(30);
+    auto* list = QAccessible::queryAccessibleInterface(&grid);
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(list->role(), QAccessible::List);
+    ASSERT_EQ(list->childCount(), 30);
+    auto* cell = list->child(3);
+    EXPECT_EQ(list->child(3), cell);
+    EXPECT_EQ(list->indexOfChild(cell), 3);
+    EXPECT_EQ(cell->text(QAccessible::Name).toStdString(), photo(3).name());
+    EXPECT_EQ(cell->text(QAccessible::Value), QString{});
+    const auto centre = grid.viewport()->mapToGlobal(grid.cellRect(3).center());
+    EXPECT_EQ(list->childAt(centre.x(), centre.y()), cell);
+    EXPECT_TRUE(cell->rect().contains(centre));
+
+    auto* actions = cell->actionInterface();
+    EXPECT_EQ(actions->localizedActionName(actions->toggleAction()), QStringLiteral("Mark for Copy"));
+    actions->doAction(actions->toggleAction());
+    EXPECT_TRUE(m_library->isChecked(photo(3)));
+    EXPECT_TRUE(cell->state().checked);
+    EXPECT_EQ(actions->localizedActionName(actions->toggleAction()), QStringLiteral("Unmark for Copy"));
+    m_library->setRating(*Rating::fromRawValue(3), photo(3));
+    EXPECT_EQ(cell->text(QAccessible::Value), QStringLiteral("Marked, 3 of 5 stars"));
+    actions->doAction(actions->pressAction());
+    EXPECT_EQ(m_library->focusedIndex(), 3U);
+    EXPECT_EQ(m_library->viewMode(), ViewMode::loupe);
+
+    // A cell stays with its photo, and is nothing once that is filtered away.
+    m_library->setSearchText(std::string{photo(4).stem()});
+    EXPECT_EQ(list->childCount(), 1);
+    EXPECT_FALSE(cell->isValid());
+    EXPECT_EQ(list->indexOfChild(cell), -1);
 }
 
 } // namespace kelvara
