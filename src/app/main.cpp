@@ -2,6 +2,7 @@
 #include "app/DesktopAppearance.h"
 #include "app/KelvaraApp.h"
 #include "app/Screenshots.h"
+#include "app/WatchedApplication.h"
 #include "views/ApplicationStyle.h"
 
 #include <QApplication>
@@ -103,7 +104,11 @@ void followDesktop(kelvara::DesktopAppearance& desktop, QApplication& applicatio
 } // namespace
 
 int main(int argumentCount, char** argumentValues) {
+#ifdef NDEBUG
     QApplication application{argumentCount, argumentValues};
+#else
+    kelvara::WatchedApplication application{argumentCount, argumentValues};
+#endif
     QCoreApplication::setApplicationName(QStringLiteral("Kelvara"));
     QCoreApplication::setApplicationVersion(QStringLiteral(KELVARA_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("kelvara"));
