@@ -3,6 +3,7 @@
 #include "app/ImageServices.h"
 #include "async/ThreadPool.h"
 #include "library/LibraryViewModel.h"
+#include "library/Settings.h"
 #include "platform/linux/LinuxDesktop.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/QtMainExecutor.h"
@@ -13,6 +14,7 @@
 #include "services/XMPService.h"
 #include "views/FolderChooserDialog.h"
 #include "views/RootView.h"
+#include "views/SideWindows.h"
 
 #include <QString>
 
@@ -42,6 +44,7 @@ private:
 
     // From the bottom up: what comes later uses what comes before, and goes first.
     SettingsPreferences m_preferences;
+    Settings m_settings;
     QtMainExecutor m_main;
     LinuxFileSystem m_files;
     UDisksVolumes m_volumes;
@@ -54,8 +57,10 @@ private:
     ImageServices m_images;
     ThreadPool m_background;
     ThreadPool m_sidecarWrites;
+    SideWindows m_sideWindows;
     std::unique_ptr<LibraryViewModel> m_library;
     std::unique_ptr<RootView> m_window;
+    Subscription m_gridInfo;
     /// Expires with the application; answers that arrive later see it and do nothing.
     std::shared_ptr<int> m_lifetime = std::make_shared<int>(0);
 };
