@@ -26,11 +26,13 @@ CopyService::SidecarWriter sidecarWriter(XMPService& sidecars) {
 } // namespace
 
 KelvaraApp::KelvaraApp(const Options& options)
-    : m_preferences{options.preferencesPath}, m_volumes{QDBusConnection::systemBus()},
-      m_desktop{QDBusConnection::sessionBus(), [] { QApplication::beep(); }},
+    : m_preferences{options.preferencesPath}, m_settings{m_preferences},
+      m_volumes{QDBusConnection::systemBus()}, m_desktop{QDBusConnection::sessionBus(),
+                                                         [] { QApplication::beep(); }},
       m_locale{QLocale{}.bcp47Name().toStdString()}, m_volumeService{m_volumes, m_locale},
       m_sidecars{m_files}, m_copier{m_files, sidecarWriter(m_sidecars)}, m_images{m_main},
-      m_background{backgroundThreads}, m_sidecarWrites{1, ThreadPool::AtEnd::finish} {
+      m_background{backgroundThreads}, m_sidecarWrites{1, ThreadPool::AtEnd::finish},
+      m_sideWindows{m_settings, QUrl{QStringLiteral(KELVARA_SUPPORT_URL)}} {
     const LibraryServices services{.files = m_files,
                                    .background = m_background,
                                    .sidecarWrites = m_sidecarWrites,
@@ -44,7 +46,7 @@ KelvaraApp::KelvaraApp(const Options& options)
                                    .emptyImageCaches = [this] { m_images.emptyCaches(); },
                                    .collationLocale = m_locale};
     m_library = std::make_unique<LibraryViewModel>(services, options.folder);
-    m_window = std::make_unique<RootView>(*m_library, m_preferences, m_desktop, makeCanvases(),
+    m_window = std::make_unique<RootView>(*m_library, m_preferences, m_desktop, m_sideWindows, makeCanvases(),
                                           [this](const FileURL& path) { openDropped(path); });
     m_folderChooser.setWindow(m_window.get());
     m_screenColors = std::make_unique<ScreenColorSpaceObserver>(
@@ -57,6 +59,8 @@ KelvaraApp::~KelvaraApp() = default;
 
 PhotoCanvases KelvaraApp::makeCanvases() {
     m_grid = new PhotoGridView{*m_library, m_images.thumbnails(), m_preferences};
+    m_gridInfo =
+        m_settings.observe({Setting::gridShowsInfo}, [this](const auto&) { m_grid->readPreferences(); });
     m_loupe =
         new LoupeView{*m_library, m_images.thumbnails(), m_images.previews(), m_images.rendering(), m_main};
     return {.grid = m_grid,

@@ -4,6 +4,7 @@
 #include "app/ScreenColorSpaceObserver.h"
 #include "async/ThreadPool.h"
 #include "library/LibraryViewModel.h"
+#include "library/Settings.h"
 #include "platform/linux/LinuxDesktop.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/QtMainExecutor.h"
@@ -14,6 +15,7 @@
 #include "services/XMPService.h"
 #include "views/FolderChooserDialog.h"
 #include "views/RootView.h"
+#include "views/SideWindows.h"
 
 #include <QString>
 
@@ -48,6 +50,7 @@ private:
 
     // From the bottom up: what comes later uses what comes before, and goes first.
     SettingsPreferences m_preferences;
+    Settings m_settings;
     QtMainExecutor m_main;
     LinuxFileSystem m_files;
     UDisksVolumes m_volumes;
@@ -60,11 +63,13 @@ private:
     ImageServices m_images;
     ThreadPool m_background;
     ThreadPool m_sidecarWrites;
+    SideWindows m_sideWindows;
     std::unique_ptr<LibraryViewModel> m_library;
     std::unique_ptr<RootView> m_window;
     PhotoGridView* m_grid = nullptr; // the window's
     LoupeView* m_loupe = nullptr;    // the window's
     std::unique_ptr<ScreenColorSpaceObserver> m_screenColors;
+    Subscription m_gridInfo;
     /// Expires with the application; answers that arrive later see it and do nothing.
     std::shared_ptr<int> m_lifetime = std::make_shared<int>(0);
 };

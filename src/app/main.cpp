@@ -1,3 +1,4 @@
+#include "app/ApplicationIcon.h"
 #include "app/Catalogue.h"
 #include "app/DesktopAppearance.h"
 #include "app/KelvaraApp.h"
@@ -114,6 +115,7 @@ int main(int argumentCount, char** argumentValues) {
     QGuiApplication::setDesktopFileName(QStringLiteral("kelvara"));
     const auto arguments = parse(application);
     kelvara::installPlatformCatalogue(application);
+    QGuiApplication::setWindowIcon(kelvara::applicationIcon());
 
     // Pictures for the documentation depend on nobody's settings, and change none.
     const auto takesScreenshots = !arguments.screenshotFolder.isEmpty();

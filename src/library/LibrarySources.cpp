@@ -140,6 +140,16 @@ void LibraryViewModel::handleVolumeChange(const VolumeChange& change) {
     refreshVolumes();
 }
 
+const VolumeInfo* LibraryViewModel::sourceVolume() const {
+    const VolumeInfo* innermost = nullptr;
+    for (const auto& volume : m_volumes) {
+        const auto holdsSource = !m_sourceURL.isEmpty() && m_sourceURL.isContained(volume.url);
+        if (!holdsSource || volume.url.path() == "/") continue; // the system's own stays
+        if (!innermost || volume.url.isContained(innermost->url)) innermost = &volume;
+    }
+    return innermost;
+}
+
 void LibraryViewModel::eject(const VolumeInfo& volume) {
     if (refusesEject() || !m_ejectingVolumeID.isEmpty()) return;
     assign(Property::ejectingVolumeID, m_ejectingVolumeID, FileURL{volume.url});

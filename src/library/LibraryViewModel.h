@@ -115,6 +115,8 @@ public:
     }
     void refreshVolumes();
     void eject(const VolumeInfo& volume);
+    /// The volume that holds the source, if it is one that can be ejected.
+    [[nodiscard]] const VolumeInfo* sourceVolume() const;
     [[nodiscard]] const FileURL& ejectingVolumeID() const { return m_ejectingVolumeID; }
     [[nodiscard]] const std::string& ejectError() const { return m_ejectError; }
     void clearEjectError() { assign(Property::ejectError, m_ejectError, {}); }

@@ -21,4 +21,9 @@ inline constexpr std::string_view lastSource = "lastSource";
 inline constexpr std::string_view gridThumbnailSize = "gridThumbnailSize";
 inline constexpr std::string_view gridShowsInfo = "gridShowsInfo";
 
+// The Settings window; see Settings.
+inline constexpr std::string_view shareAnonymousUsage = "shareAnonymousUsage";
+inline constexpr std::string_view cardDeleteErases = "cardDeleteErases";
+inline constexpr std::string_view shareLongEdge = "shareLongEdge";
+
 } // namespace kelvara::PreferenceKeys

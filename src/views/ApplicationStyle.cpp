@@ -55,6 +55,7 @@ QColor withAlpha(QColor color, int alpha) {
 QHash<QString, QColor> tokens(const Theme& theme) {
     const auto dark = theme.isDark();
     return {
+        {QStringLiteral("menuBar"), theme.panel},
         {QStringLiteral("popover"), theme.popover},
         {QStringLiteral("text"), theme.text},
         {QStringLiteral("secondaryText"), theme.secondaryText},
@@ -159,6 +160,7 @@ int ApplicationStyle::styleHint(StyleHint hint, const QStyleOption* option, cons
     case SH_Widget_Animation_Duration:
         if (reducedMotion) return 0;
         break;
+    case SH_MenuBar_AltKeyNavigation: // Alt with the wheel zooms; letting it go afterwards must open nothing
     case SH_DialogButtonBox_ButtonsHaveIcons:
     case SH_EtchDisabledText:
         return 0;

@@ -1,9 +1,12 @@
 #include "views/RootView.h"
 
+#include "platform/Desktop.h"
 #include "platform/Preferences.h"
 #include "views/CopySheet.h"
 #include "views/EmptyState.h"
+#include "views/MainMenu.h"
 #include "views/Sheet.h"
+#include "views/SideWindows.h"
 #include "views/SourceSidebar.h"
 #include "views/Text.h"
 #include "views/WindowFrameGuard.h"
@@ -64,20 +67,28 @@ FileURL droppedPath(const QMimeData& data) {
 } // namespace
 
 RootView::RootView(LibraryViewModel& library, Preferences& preferences, Desktop& desktop,
-                   PhotoCanvases canvases, std::function<void(const FileURL&)> onDrop)
-    : m_library{library}, m_preferences{preferences}, m_onDrop{std::move(onDrop)} {
+                   SideWindows& sideWindows, PhotoCanvases canvases,
+                   std::function<void(const FileURL&)> onDrop)
+    : m_library{library}, m_preferences{preferences}, m_desktop{desktop},
+      m_sideWindows{sideWindows}, m_onDrop{std::move(onDrop)} {
     setMinimumSize(smallestSize);
     setAcceptDrops(true);
+    m_menu = new MainMenu{library, this};
+    connect(m_menu, &MainMenu::chosen, this, &RootView::perform);
     m_splitter = new QSplitter{Qt::Horizontal, this};
     m_splitter->setHandleWidth(1);
     m_splitter->setChildrenCollapsible(false);
     m_content = new LibraryContentView{library, preferences, std::move(canvases)};
-    m_splitter->addWidget(new SourceSidebar{library, desktop});
+    auto* sidebar = new SourceSidebar{library, desktop};
+    connect(sidebar, &SourceSidebar::supportRequested, this,
+            [this] { perform({WindowCommand::Kind::showSupport}); });
+    m_splitter->addWidget(sidebar);
     m_splitter->addWidget(m_content);
     m_splitter->setStretchFactor(0, 0);
     m_splitter->setStretchFactor(1, 1);
     auto* column = new QVBoxLayout{this};
     column->setContentsMargins(0, 0, 0, 0);
+    column->setMenuBar(m_menu);
     column->addWidget(m_splitter);
 
     m_dropFrame = new DropFrame{this};
@@ -85,6 +96,13 @@ RootView::RootView(LibraryViewModel& library, Preferences& preferences, Desktop&
     m_alertFrame = new Sheet{this};
     m_frameGuard = new WindowFrameGuard{*this};
     m_copySheet = new CopySheet{library, desktop, *m_copySheetFrame, this};
+    for (auto* sheet : {m_copySheetFrame, m_alertFrame}) {
+        connect(sheet, &Sheet::didShowOrHide, m_menu,
+                [menu = m_menu, copySheet = m_copySheetFrame, alert = m_alertFrame] {
+                    menu->setEnabled(!copySheet->isVisible() && !alert->isVisible());
+                    menu->refresh();
+                });
+    }
 
     using P = LibraryProperty;
     m_subscriptions.push_back(
@@ -124,6 +142,11 @@ void RootView::keepSize(const QSize& size) {
 void RootView::closeEvent(QCloseEvent* event) {
     saveFrame();
     QWidget::closeEvent(event);
+}
+
+void RootView::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange) m_menu->refresh();
 }
 
 void RootView::dragEnterEvent(QDragEnterEvent* event) {
@@ -189,6 +212,11 @@ void RootView::perform(const WindowCommand& command) {
         return;
     case Kind::copyMarked:
         return m_library.startCopy();
+    case Kind::clearMarks:
+        return m_library.clearMarks();
+    case Kind::showInFileManager:
+        if (!focused.isEmpty()) m_desktop.showInFileManager(FileURL{focused});
+        return;
     case Kind::toggleZoom:
         return zoom(ZoomRequest::Command::toggle);
     case Kind::zoomIn:
@@ -207,8 +235,27 @@ void RootView::perform(const WindowCommand& command) {
         return m_library.setShowsLoupeOverlays(!m_library.showsLoupeOverlays());
     case Kind::openFolder:
         return m_library.chooseFolder();
+    case Kind::ejectSource:
+        if (const auto* volume = m_library.sourceVolume()) m_library.eject(VolumeInfo{*volume});
+        return;
     case Kind::toggleFullScreen:
         return toggleFullScreen();
+    case Kind::openMenus:
+        return m_menu->openFirst();
+    case Kind::showAbout:
+        return m_sideWindows.show(SideWindows::Identifier::about, *this);
+    case Kind::showSettings:
+        return m_sideWindows.show(SideWindows::Identifier::settings, *this);
+    case Kind::showShortcuts:
+        return m_sideWindows.show(SideWindows::Identifier::shortcuts, *this);
+    case Kind::showSupport:
+        return m_sideWindows.show(SideWindows::Identifier::support, *this);
+    case Kind::copyEdits:
+    case Kind::pasteEdits:
+    case Kind::deletePhotos:
+    case Kind::share:
+    case Kind::importPresets:
+        return; // see commandState
     case Kind::quit:
         close();
         return;

@@ -9,7 +9,9 @@ class QSplitter;
 namespace kelvara {
 
 class CopySheet;
+class MainMenu;
 class Sheet;
+class SideWindows;
 class WindowFrameGuard;
 
 /// The main window: the sources at the left, their photos at the right.
@@ -19,8 +21,8 @@ class RootView : public QWidget {
 public:
     /// `onDrop` is told the path that a person dropped onto the window; it may be a file. References outlive
     /// the window.
-    RootView(LibraryViewModel& library, Preferences& preferences, Desktop& desktop, PhotoCanvases canvases,
-             std::function<void(const FileURL&)> onDrop);
+    RootView(LibraryViewModel& library, Preferences& preferences, Desktop& desktop, SideWindows& sideWindows,
+             PhotoCanvases canvases, std::function<void(const FileURL&)> onDrop);
 
     [[nodiscard]] bool isSettled() const { return m_content->isSettled(); }
     void perform(const WindowCommand& command);
@@ -29,6 +31,7 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -46,7 +49,10 @@ private:
 
     LibraryViewModel& m_library;
     Preferences& m_preferences;
+    Desktop& m_desktop;
+    SideWindows& m_sideWindows;
     std::function<void(const FileURL&)> m_onDrop;
+    MainMenu* m_menu;
     QSplitter* m_splitter;
     LibraryContentView* m_content;
     QWidget* m_dropFrame;

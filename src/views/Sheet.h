@@ -25,7 +25,12 @@ public:
     /// The buttons of the keyboard; null for none. The default button takes the focus.
     void setButtons(QPushButton* defaultButton, QPushButton* cancelButton);
 
+signals:
+    void didShowOrHide();
+
 protected:
+    void showEvent(QShowEvent*) override { emit didShowOrHide(); }
+    void hideEvent(QHideEvent*) override { emit didShowOrHide(); }
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent*) override {}

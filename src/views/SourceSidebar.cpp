@@ -2,12 +2,10 @@
 
 #include "platform/Desktop.h"
 #include "text/ByteCount.h"
+#include "views/SidebarFooter.h"
 #include "views/SidebarRow.h"
-#include "views/Symbols.h"
 #include "views/Text.h"
 
-#include <QCoreApplication>
-#include <QHBoxLayout>
 #include <QMenu>
 #include <QScrollArea>
 #include <QVBoxLayout>
@@ -36,7 +34,10 @@ SourceSidebar::SourceSidebar(LibraryViewModel& library, Desktop& desktop, QWidge
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(area, 1);
-    column->addWidget(makeFooter());
+    auto* footer = new SidebarFooter{this};
+    connect(footer, &SidebarFooter::folderRequested, this, [this] { m_library.chooseFolder(); });
+    connect(footer, &SidebarFooter::supportRequested, this, &SourceSidebar::supportRequested);
+    column->addWidget(footer);
 
     using P = LibraryProperty;
     m_subscriptions.push_back(
@@ -44,27 +45,6 @@ SourceSidebar::SourceSidebar(LibraryViewModel& library, Desktop& desktop, QWidge
     m_subscriptions.push_back(
         m_library.observe({P::sourceURL, P::ejectingVolumeID}, [this](const auto&) { markCurrent(); }));
     rebuild();
-}
-
-QWidget* SourceSidebar::makeFooter() {
-    auto* footer = new QWidget{this};
-    auto* open = makeIconButton(u"folder.badge.plus", tr("Choose Folder…"),
-                                tr("Choose a folder to look through"), footer);
-    connect(open, &QToolButton::clicked, this, [this] { m_library.chooseFolder(); });
-    open->setText(tr("Choose Folder…"));
-    open->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    open->setFont(kelvara::font(TextRole::caption));
-    setSymbol(*open, symbolIcon(u"folder.badge.plus", &Theme::text), 16);
-    auto* version = new ElidedLabel{footer, Qt::ElideRight};
-    dress(*version, TextRole::caption, Tone::quiet);
-    version->setText(tr("Version %1").arg(QCoreApplication::applicationVersion()));
-    version->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    auto* row = new QHBoxLayout{footer};
-    row->setContentsMargins(spacing::small, spacing::tiny, spacing::medium, spacing::small);
-    row->setSpacing(0);
-    row->addWidget(open);
-    row->addWidget(version, 1);
-    return footer;
 }
 
 void SourceSidebar::rebuild() {

@@ -19,6 +19,10 @@ public:
     /// `desktop` outlives it.
     SourceSidebar(LibraryViewModel& library, Desktop& desktop, QWidget* parent = nullptr);
 
+signals:
+    /// Asks for the support window.
+    void supportRequested();
+
 private:
     struct Entry {
         SidebarRow* row;
@@ -32,7 +36,6 @@ private:
     void addVolume(const VolumeInfo& volume);
     void addRecentFolder(const FileURL& folder);
     void addRow(const Entry& entry);
-    QWidget* makeFooter();
 
     LibraryViewModel& m_library;
     Desktop& m_desktop;

@@ -8,6 +8,8 @@
 #include <QPlainTextEdit>
 #include <QTextEdit>
 
+#include <array>
+
 namespace kelvara {
 
 namespace {
@@ -15,32 +17,54 @@ namespace {
 using Kind = WindowCommand::Kind;
 using Command = std::optional<WindowCommand>;
 
-Command withControl(int key, ViewMode mode) {
-    switch (key) {
-    case Qt::Key_F:
-        return WindowCommand{Kind::focusSearch};
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        return WindowCommand{Kind::copyMarked};
-    case Qt::Key_O:
-        return WindowCommand{Kind::openFolder};
-    case Qt::Key_Q:
-        return WindowCommand{Kind::quit};
-    default:
-        break;
+/// A command's key that works wherever the focus is, but for the exceptions below.
+struct MenuKey {
+    Kind command;
+    QKeyCombination keys;
+};
+
+/// Of several keys of a command the first is what menus show; the others are what keyboards and desktops have
+/// in its place.
+constexpr std::array menuKeys{
+    MenuKey{Kind::focusSearch, Qt::CTRL | Qt::Key_F},
+    MenuKey{Kind::copyMarked, Qt::CTRL | Qt::Key_Return},
+    MenuKey{Kind::copyMarked, Qt::CTRL | Qt::Key_Enter},
+    MenuKey{Kind::copyEdits, Qt::CTRL | Qt::SHIFT | Qt::Key_C},
+    MenuKey{Kind::pasteEdits, Qt::CTRL | Qt::SHIFT | Qt::Key_V},
+    MenuKey{Kind::deletePhotos, Qt::CTRL | Qt::Key_Backspace},
+    MenuKey{Kind::deletePhotos, Qt::Key_Delete},
+    MenuKey{Kind::openFolder, Qt::CTRL | Qt::Key_O},
+    MenuKey{Kind::showSettings, Qt::CTRL | Qt::Key_Comma},
+    MenuKey{Kind::showShortcuts, Qt::CTRL | Qt::Key_Slash},
+    MenuKey{Kind::showShortcuts, Qt::CTRL | Qt::SHIFT | Qt::Key_Slash}, // where the slash needs Shift
+    MenuKey{Kind::quit, Qt::CTRL | Qt::Key_Q},
+    MenuKey{Kind::zoomIn, Qt::CTRL | Qt::Key_Equal}, // the plus key without Shift
+    MenuKey{Kind::zoomIn, Qt::CTRL | Qt::Key_Plus},
+    MenuKey{Kind::zoomIn, Qt::CTRL | Qt::SHIFT | Qt::Key_Equal},
+    MenuKey{Kind::zoomIn, Qt::CTRL | Qt::SHIFT | Qt::Key_Plus},
+    MenuKey{Kind::zoomOut, Qt::CTRL | Qt::Key_Minus},
+    MenuKey{Kind::zoomToFit, Qt::CTRL | Qt::Key_0},
+    MenuKey{Kind::toggleFullScreen, Qt::Key_F11},
+    MenuKey{Kind::openMenus, Qt::Key_F10},
+};
+
+/// Keys with which a text field edits its text.
+bool editsText(Kind command) {
+    return command == Kind::copyEdits || command == Kind::pasteEdits || command == Kind::deletePhotos;
+}
+
+bool isForSingleImage(Kind command) {
+    return command == Kind::zoomIn || command == Kind::zoomOut || command == Kind::zoomToFit;
+}
+
+Command byMenuKey(QKeyCombination keys, KeyFocus focus, ViewMode mode) {
+    for (const auto& key : menuKeys) {
+        if (key.keys != keys) continue;
+        if (focus == KeyFocus::textField && editsText(key.command)) return std::nullopt;
+        if (mode != ViewMode::loupe && isForSingleImage(key.command)) return std::nullopt;
+        return WindowCommand{key.command};
     }
-    if (mode != ViewMode::loupe) return std::nullopt;
-    switch (key) {
-    case Qt::Key_Plus:
-    case Qt::Key_Equal: // the plus key without Shift
-        return WindowCommand{Kind::zoomIn};
-    case Qt::Key_Minus:
-        return WindowCommand{Kind::zoomOut};
-    case Qt::Key_0:
-        return WindowCommand{Kind::zoomToFit};
-    default:
-        return std::nullopt;
-    }
+    return std::nullopt;
 }
 
 Command inTextField(int key) {
@@ -120,15 +144,19 @@ KeyFocus keyFocus(const QWidget* focusWidget) {
 
 Command windowCommand(int key, Qt::KeyboardModifiers modifiers, KeyFocus focus, ViewMode mode) {
     modifiers &= ~Qt::KeypadModifier;
-    if (key == Qt::Key_F11 && modifiers == Qt::NoModifier) return WindowCommand{Kind::toggleFullScreen};
-    if (modifiers == Qt::ControlModifier) return withControl(key, mode);
-    // On many keyboards the plus sign needs Shift.
-    const auto isPlus = key == Qt::Key_Plus || key == Qt::Key_Equal;
-    if (isPlus && modifiers == (Qt::ControlModifier | Qt::ShiftModifier)) return withControl(key, mode);
+    const QKeyCombination keys{modifiers, static_cast<Qt::Key>(key)};
+    if (const auto command = byMenuKey(keys, focus, mode)) return command;
     if (modifiers != Qt::NoModifier) return std::nullopt;
     if (focus == KeyFocus::textField) return inTextField(key);
     if (belongsTo(focus, key)) return std::nullopt;
     return plain(key, mode);
+}
+
+QKeySequence menuKey(Kind command) {
+    for (const auto& key : menuKeys) {
+        if (key.command == command) return QKeySequence{key.keys};
+    }
+    return {};
 }
 
 } // namespace kelvara

@@ -2,8 +2,7 @@
 
 #include "library/LibraryTypes.h"
 
-#include <QtGlobal>
-#include <qnamespace.h>
+#include <QKeySequence>
 
 #include <optional>
 
@@ -34,7 +33,20 @@ struct WindowCommand {
         togglePresets,
         toggleOverlays,
         openFolder,
+        ejectSource,
+        share,
+        copyEdits,
+        pasteEdits,
+        clearMarks,
+        showInFileManager,
+        deletePhotos,
+        importPresets,
         toggleFullScreen,
+        showAbout,
+        showSettings,
+        showShortcuts,
+        showSupport,
+        openMenus, ///< Opens the first menu, for the keyboard to go on from there.
         quit,
     };
     Kind kind = Kind::moveLeft;
@@ -55,5 +67,8 @@ enum class KeyFocus { photos, textField, button, slider };
 /// The command of a key, if the window takes it. `key` is a Qt::Key.
 [[nodiscard]] std::optional<WindowCommand> windowCommand(int key, Qt::KeyboardModifiers modifiers,
                                                          KeyFocus focus, ViewMode mode);
+
+/// The key that a menu shows beside a command; empty for none, and for plain keys such as S.
+[[nodiscard]] QKeySequence menuKey(WindowCommand::Kind command);
 
 } // namespace kelvara

@@ -27,8 +27,10 @@ struct SourceText {
 
 /// The texts of the source that go through the catalogue and name something foreign.
 QList<SourceText> foreignTexts() {
+    // A long text is several literals, one after the other.
     static const QRegularExpression call{
-        QStringLiteral("(?:\\btr|localized)\\(\\s*\"((?:[^\"\\\\]|\\\\.)*)\"")};
+        QStringLiteral("(?:\\btr|localized)\\(\\s*\"((?:[^\"\\\\]|\\\\.|\"\\s*\")*)\"")};
+    static const QRegularExpression seam{QStringLiteral("(?<!\\\\)\"\\s*\"")};
     QList<SourceText> result;
     QDirIterator files{QStringLiteral(KELVARA_SOURCE_FOLDER),
                        {QStringLiteral("*.cpp")},
@@ -39,7 +41,7 @@ QList<SourceText> foreignTexts() {
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
         const auto source = QString::fromUtf8(file.readAll());
         for (auto matches = call.globalMatch(source); matches.hasNext();) {
-            const auto text = matches.next().captured(1);
+            const auto text = matches.next().captured(1).remove(seam);
             if (text.contains(foreignWords())) result.append({QFileInfo{file}.completeBaseName(), text});
         }
     }

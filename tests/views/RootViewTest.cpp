@@ -1,8 +1,13 @@
 #include "views/RootView.h"
 
 #include "library/LibraryFixture.h"
+#include "library/Settings.h"
+#include "views/KeyboardShortcutsView.h"
+#include "views/MainMenu.h"
 #include "views/SearchField.h"
+#include "views/SideWindows.h"
 #include "views/SidebarRow.h"
+#include "views/SupportView.h"
 
 #include <QApplication>
 #include <QPushButton>
@@ -31,7 +36,7 @@ protected:
         m_grid = makeCanvas();
         m_loupe = makeCanvas();
         m_window = std::make_unique<RootView>(
-            *m_library, m_preferences, m_desktop,
+            *m_library, m_preferences, m_desktop, m_sideWindows,
             PhotoCanvases{.grid = m_grid,
                           .setThumbnailSize = [this](double side) { m_thumbnailSize = side; },
                           .isGridLoading = [] { return false; },
@@ -64,6 +69,8 @@ protected:
     QWidget* m_loupe = nullptr;
     double m_thumbnailSize = 0;
     FileURL m_dropped;
+    Settings m_settings{m_preferences};
+    SideWindows m_sideWindows{m_settings, QUrl{}};
     std::unique_ptr<RootView> m_window;
 };
 
@@ -106,6 +113,68 @@ TEST_F(RootViewTest, inTheSearchFieldLettersTypeAndDownGivesTheKeyboardBack) {
     EXPECT_FALSE(m_library->isSearchFocused());
     press(Qt::Key_S);
     EXPECT_TRUE(m_library->isChecked(m_card / "sunset.jpg"));
+}
+
+TEST_F(RootViewTest, aMenuKeyActsOnceAndTheFieldKeepsTheKeysThatEditItsText) {
+    open({"a.jpg", "b.jpg"});
+    press(Qt::Key_O, Qt::ControlModifier);
+    EXPECT_EQ(m_chooser.requests.size(), 1U);
+    press(Qt::Key_S);
+    press(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(m_chooser.requests.size(), 2U); // where to copy
+    press(Qt::Key_Slash, Qt::ControlModifier);
+    EXPECT_EQ(m_window->findChildren<KeyboardShortcutsView*>().size(), 1);
+    m_window->activateWindow();
+
+    press(Qt::Key_F, Qt::ControlModifier);
+    auto* field = find<SearchField>();
+    ASSERT_EQ(QApplication::focusWidget(), field);
+    QTest::keyClicks(field, "two words");
+    press(Qt::Key_Backspace, Qt::ControlModifier);
+    EXPECT_EQ(field->text(), QString{"two "});
+    QTest::keyClicks(field, "is5?/,");
+    EXPECT_EQ(field->text(), QString{"two is5?/,"});
+    EXPECT_EQ(m_library->inspectorTab(), InspectorTab::info);
+}
+
+TEST_F(RootViewTest, theMenusGiveTheWindowsCommands) {
+    open({"a.jpg", "b.jpg"});
+    const auto choose = [this](const QString& title) {
+        for (auto* action : m_window->findChildren<QAction*>()) {
+            if (action->text() == title) return action->trigger();
+        }
+        ADD_FAILURE() << title.toStdString();
+    };
+    choose("Mark for Copy");
+    EXPECT_TRUE(m_library->isChecked(m_card / "a.jpg"));
+    choose("Clear Marks");
+    EXPECT_TRUE(m_library->checkedIDs().empty());
+    choose("★★");
+    EXPECT_EQ(m_library->rating(m_card / "a.jpg").rawValue(), 2);
+    choose("Show in Finder");
+    EXPECT_EQ(m_desktop.shown, std::vector<FileURL>{m_card / "a.jpg"});
+    choose("Show Single Image");
+    choose("Toggle Fit / 100%");
+    EXPECT_EQ(m_library->zoomRequest()->command, ZoomRequest::Command::toggle);
+    choose("Find File Names");
+    EXPECT_EQ(QApplication::focusWidget(), find<SearchField>());
+    find<QToolButton>("Support Kelvara")->click();
+    EXPECT_TRUE(m_window->findChild<SupportView*>()->isVisible());
+}
+
+TEST_F(RootViewTest, theMenusRestWhileASheetAsks) {
+    open({"a.jpg"});
+    auto* menu = find<MainMenu>();
+    EXPECT_TRUE(menu->isEnabled());
+    press(Qt::Key_S);
+    m_library->startCopy();
+    m_chooser.answer(FolderChooser::Choice{m_card / "DCIM", false});
+    settle();
+    EXPECT_FALSE(menu->isEnabled());
+    EXPECT_FALSE(menu->actions().front()->isEnabled()); // as the desktop's own menu bar sees it
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(menu->isEnabled());
+    EXPECT_TRUE(menu->actions().front()->isEnabled());
 }
 
 TEST_F(RootViewTest, aSheetHoldsTheKeyboardAndGivesItBack) {

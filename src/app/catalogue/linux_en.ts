@@ -3,6 +3,13 @@
 <!-- English as Linux desktops speak it: only the texts that name keys or programs of another system. -->
 <TS version="2.1" language="en">
 <context>
+    <name>CommandStates</name>
+    <message>
+        <source>Show in Finder</source>
+        <translation>Show in Files</translation>
+    </message>
+</context>
+<context>
     <name>CopyTexts</name>
     <message>
         <source>Copy %1 marked…  ⌘⏎</source>
@@ -35,6 +42,41 @@
     </message>
 </context>
 <context>
+    <name>kelvara::KeyboardShortcutsView</name>
+    <message>
+        <source>⌘F</source>
+        <translation>Ctrl+F</translation>
+    </message>
+    <message>
+        <source>S  ↩</source>
+        <translation>S  Enter</translation>
+    </message>
+    <message>
+        <source>⇧-click</source>
+        <translation>Shift+click</translation>
+    </message>
+    <message>
+        <source>⌘↩</source>
+        <translation>Ctrl+Enter</translation>
+    </message>
+    <message>
+        <source>⌘⌫</source>
+        <translation>Ctrl+Backspace  Delete</translation>
+    </message>
+    <message>
+        <source>⌘+  ⌘−  ⌘0</source>
+        <translation>Ctrl++  Ctrl+−  Ctrl+0</translation>
+    </message>
+    <message>
+        <source>⌘- or ⌥-scroll</source>
+        <translation>Ctrl- or Alt-scroll</translation>
+    </message>
+    <message>
+        <source>⌘⇧C  ⌘⇧V</source>
+        <translation>Ctrl+Shift+C  Ctrl+Shift+V</translation>
+    </message>
+</context>
+<context>
     <name>kelvara::LoupeInfoBar</name>
     <message>
         <source>Z or double-click: Fit / 100% · ⌘+ ⌘− ⌘0 · ⌘-scroll, ⌥-scroll or pinch to zoom</source>
@@ -49,10 +91,32 @@
     </message>
 </context>
 <context>
+    <name>kelvara::SettingsView</name>
+    <message>
+        <source>Erasing frees the card&apos;s space straight away. Files moved to a card&apos;s Trash only go once you empty the Trash in Finder. On other drives, deleted files always go to the Trash.</source>
+        <translation>Erasing frees the card&apos;s space straight away. Files moved to a card&apos;s Trash only go once you empty the Trash in the file manager. On other drives, deleted files always go to the Trash.</translation>
+    </message>
+    <message>
+        <source>Quick share is Share as JPEGs and AirDrop as JPEGs. Export lets you choose the size each time.</source>
+        <translation>Quick share is Share as JPEGs and Share Nearby as JPEGs. Export lets you choose the size each time.</translation>
+    </message>
+    <message>
+        <source>Counts app launches and how many photos are copied or shared, with the app and macOS version. Never file names, folders or photos.</source>
+        <translation>Counts app launches and how many photos are copied or shared, with the app and system version. Never file names, folders or photos.</translation>
+    </message>
+</context>
+<context>
     <name>kelvara::SourceSidebar</name>
     <message>
         <source>Show in Finder</source>
         <translation>Show in Files</translation>
+    </message>
+</context>
+<context>
+    <name>QShortcut</name>
+    <message>
+        <source>Return</source>
+        <translation>Enter</translation>
     </message>
 </context>
 <context>

@@ -1,0 +1,128 @@
+#include "views/CommandStates.h"
+
+#include "library/LibraryViewModel.h"
+#include "views/Text.h"
+
+#include <QCoreApplication>
+#include <QWidget>
+
+namespace kelvara {
+
+namespace {
+
+using Kind = WindowCommand::Kind;
+
+struct CommandStates {
+    Q_DECLARE_TR_FUNCTIONS(CommandStates)
+};
+QString tr(const char* source) { return CommandStates::tr(source); }
+
+CommandState ratingState(int stars, const LibraryViewModel& library) {
+    const auto* focused = library.focusedItem();
+    return {stars == 0 ? tr("None") : QString{stars, u'★'}, focused != nullptr,
+            focused && library.rating(focused->url).rawValue() == stars};
+}
+
+QString pasteTitle(const LibraryViewModel& library) {
+    // As many as `actionTargets` of the focused photo has.
+    const auto marked = library.checkedIDs().size();
+    if (marked < 2 || !library.isChecked(library.focusedID())) return tr("Paste Edits");
+    return tr("Paste Edits to %1 Photos").arg(countText(static_cast<std::int64_t>(marked)));
+}
+
+CommandState ejectState(const LibraryViewModel& library, bool isCopying) {
+    const auto* volume = library.sourceVolume();
+    if (!volume) return {tr("Eject"), false};
+    return {tr("Eject “%1”").arg(text(volume->name)), library.ejectingVolumeID().isEmpty() && !isCopying};
+}
+
+CommandState inspectorState(const QString& title, InspectorTab tab, const LibraryViewModel& library) {
+    return {title, true, library.showsInspector() && library.inspectorTab() == tab};
+}
+
+} // namespace
+
+CommandState commandState(const WindowCommand& command, const LibraryViewModel& library,
+                          const QWidget& window) {
+    const auto hasFocus = library.focusedItem() != nullptr;
+    const auto hasMarks = !library.checkedIDs().empty();
+    const auto isCopying = std::holds_alternative<CopyService::Progress>(library.copyState());
+    const auto isLoupe = library.viewMode() == ViewMode::loupe;
+    switch (command.kind) {
+    case Kind::openFolder:
+        return {tr("Open Folder…")};
+    case Kind::ejectSource:
+        return ejectState(library, isCopying);
+
+    case Kind::toggleMark: {
+        const auto isMarked = hasFocus && library.isChecked(library.focusedID());
+        return {isMarked ? tr("Unmark for Copy") : tr("Mark for Copy"), hasFocus};
+    }
+    case Kind::rate:
+        return ratingState(command.stars, library);
+    case Kind::copyMarked:
+        return {tr("Copy Marked Files"), hasMarks && !isCopying};
+    case Kind::clearMarks:
+        return {tr("Clear Marks"), hasMarks};
+    case Kind::showInFileManager:
+        return {tr("Show in Finder"), hasFocus};
+
+    case Kind::toggleViewMode:
+        return {isLoupe ? tr("Show Grid") : tr("Show Single Image"), hasFocus};
+    case Kind::toggleInfo:
+        return inspectorState(tr("Info"), InspectorTab::info, library);
+    case Kind::toggleEdit:
+        return inspectorState(tr("Edit"), InspectorTab::edit, library);
+    case Kind::togglePresets:
+        return inspectorState(tr("Presets"), InspectorTab::presets, library);
+    case Kind::zoomIn:
+        return {tr("Zoom In"), isLoupe};
+    case Kind::zoomOut:
+        return {tr("Zoom Out"), isLoupe};
+    case Kind::zoomToFit:
+        return {tr("Zoom to Fit"), isLoupe};
+    case Kind::toggleZoom:
+        return {tr("Toggle Fit / 100%"), isLoupe};
+    case Kind::focusSearch:
+        return {tr("Find File Names"), !library.items().empty()};
+    case Kind::toggleFullScreen:
+        return {window.isFullScreen() ? tr("Leave Full Screen") : tr("Full Screen")};
+
+    case Kind::showAbout:
+        return {tr("About Kelvara")};
+    case Kind::showSettings:
+        return {tr("Settings…")};
+    case Kind::showShortcuts:
+        return {tr("Keyboard Shortcuts")};
+    case Kind::showSupport:
+        return {tr("Support Kelvara")};
+    case Kind::quit:
+        return {tr("Quit Kelvara")};
+
+    // Nothing performs these yet. Whoever does gives them their rule here and their call in
+    // RootView::perform.
+    case Kind::copyEdits:
+        return {tr("Copy Edits"), false};
+    case Kind::pasteEdits:
+        return {pasteTitle(library), false};
+    case Kind::deletePhotos:
+        return {tr("Delete…"), false};
+    case Kind::share:
+        return {tr("Share…"), false};
+    case Kind::importPresets:
+        return {tr("Import Presets…"), false};
+
+    case Kind::moveLeft:
+    case Kind::moveRight:
+    case Kind::moveUp:
+    case Kind::moveDown:
+    case Kind::goBack:
+    case Kind::focusPhotos:
+    case Kind::toggleOverlays:
+    case Kind::openMenus:
+        break; // keys only
+    }
+    return {};
+}
+
+} // namespace kelvara
