@@ -49,6 +49,8 @@ KelvaraApp::KelvaraApp(const Options& options)
     m_window = std::make_unique<RootView>(*m_library, m_preferences, m_desktop, m_sideWindows, makeCanvases(),
                                           [this](const FileURL& path) { openDropped(path); });
     m_folderChooser.setWindow(m_window.get());
+    QObject::connect(m_grid, &PhotoGridView::photoMenuRequested, m_window.get(), &RootView::showPhotoMenu);
+    QObject::connect(m_loupe, &LoupeView::photoMenuRequested, m_window.get(), &RootView::showPhotoMenu);
     m_screenColors = std::make_unique<ScreenColorSpaceObserver>(
         *m_window, QDBusConnection::systemBus(), m_files, m_background, m_main, [this] { reloadPictures(); });
     if (!options.folder.isEmpty())

@@ -190,7 +190,8 @@ void FilmstripView::wheelEvent(QWheelEvent* event) {
 }
 
 void FilmstripView::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) return QWidget::mousePressEvent(event);
+    if (event->button() != Qt::LeftButton && event->button() != Qt::RightButton)
+        return QWidget::mousePressEvent(event);
     if (const auto index = indexAt(event->position().toPoint())) {
         m_library.setFocusedID(m_library.visibleItems()[*index].url);
     }

@@ -7,6 +7,7 @@
 #include "views/Symbols.h"
 #include "views/ZoomableImageView.h"
 
+#include <QContextMenuEvent>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QStackedLayout>
@@ -206,6 +207,10 @@ void LoupeView::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_K && event->modifiers() == Qt::NoModifier && showsVideo())
         return togglePlayback();
     QWidget::keyPressEvent(event);
+}
+
+void LoupeView::contextMenuEvent(QContextMenuEvent* event) {
+    if (m_library.focusedItem()) emit photoMenuRequested(event->globalPos());
 }
 
 void LoupeView::showCannotPreviewSymbol() {

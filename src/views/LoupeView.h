@@ -39,11 +39,16 @@ public:
     [[nodiscard]] const ZoomableImageView& imageView() const { return *m_image; }
     [[nodiscard]] const LoupePictures& pictures() const { return m_pictures; }
 
+signals:
+    /// The menu of the focused photo is wanted at this point of the screen.
+    void photoMenuRequested(const QPoint& screenPoint);
+
 protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
     void makeLayout(ThumbnailService& thumbnails);

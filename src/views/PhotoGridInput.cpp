@@ -4,6 +4,7 @@
 #include "views/Text.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QDrag>
 #include <QHelpEvent>
 #include <QKeyEvent>
@@ -98,6 +99,16 @@ void PhotoGridView::mouseDoubleClickEvent(QMouseEvent* event) {
     m_press.reset();
     m_library.setFocusedID(m_library.visibleItems()[*index].url);
     if (m_library.viewMode() == ViewMode::grid) m_library.toggleViewMode();
+}
+
+void PhotoGridView::contextMenuEvent(QContextMenuEvent* event) {
+    // The button has moved the focus to the photo under the pointer; the key asks for the focused one.
+    const auto isKey = event->reason() == QContextMenuEvent::Keyboard;
+    if (isKey) showFocused();
+    const auto index = isKey ? m_library.focusedIndex() : indexAt(event->pos());
+    if (!index) return;
+    const auto point = isKey ? cellRect(*index).center() : event->pos();
+    emit photoMenuRequested(viewport()->mapToGlobal(point));
 }
 
 void PhotoGridView::startDrag(std::size_t index) {

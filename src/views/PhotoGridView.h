@@ -45,6 +45,10 @@ public:
     [[nodiscard]] std::optional<std::size_t> indexAt(const QPoint& viewportPoint) const override;
     [[nodiscard]] ThumbnailCellState state(std::size_t index) const override;
 
+signals:
+    /// The menu of the focused photo is wanted at this point of the screen.
+    void photoMenuRequested(const QPoint& screenPoint);
+
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -55,6 +59,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;

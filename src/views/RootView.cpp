@@ -5,6 +5,7 @@
 #include "views/CopySheet.h"
 #include "views/EmptyState.h"
 #include "views/MainMenu.h"
+#include "views/PhotoCommands.h"
 #include "views/Sheet.h"
 #include "views/SideWindows.h"
 #include "views/SourceSidebar.h"
@@ -260,6 +261,14 @@ void RootView::perform(const WindowCommand& command) {
         close();
         return;
     }
+}
+
+void RootView::showPhotoMenu(const QPoint& screenPoint) {
+    auto* menu = new PhotoCommands{this};
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    connect(menu, &CommandMenu::chosen, this, &RootView::perform);
+    menu->refresh([this](const WindowCommand& command) { return commandState(command, m_library, *this); });
+    menu->popup(screenPoint);
 }
 
 void RootView::goBack() {

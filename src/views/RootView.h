@@ -26,6 +26,8 @@ public:
 
     [[nodiscard]] bool isSettled() const { return m_content->isSettled(); }
     void perform(const WindowCommand& command);
+    /// What can be done with the focused photo, as a menu beside it.
+    void showPhotoMenu(const QPoint& screenPoint);
     /// Keeps the size it is given, even where that is larger than the screen: for pictures of the window.
     void keepSize(const QSize& size);
 
