@@ -16,7 +16,8 @@ pkg_check_modules(LCMS2 REQUIRED IMPORTED_TARGET lcms2)
 pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET libavformat libavcodec libavutil libswscale)
 
 if(KELVARA_APP)
-  find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Widgets Svg Multimedia MultimediaWidgets LinguistTools)
+  find_package(Qt6 6.4 REQUIRED
+    COMPONENTS Core DBus Gui Network Widgets Svg Multimedia MultimediaWidgets LinguistTools)
   pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
   set(CMAKE_AUTOMOC_MOC_OPTIONS "")
 endif()

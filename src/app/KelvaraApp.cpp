@@ -7,6 +7,8 @@
 #include <QDBusConnection>
 #include <QFile>
 #include <QLocale>
+#include <QSysInfo>
+#include <QUrl>
 
 namespace kelvara {
 
@@ -27,8 +29,10 @@ CopyService::SidecarWriter sidecarWriter(XMPService& sidecars) {
 
 KelvaraApp::KelvaraApp(const Options& options)
     : m_preferences{options.preferencesPath}, m_settings{m_preferences},
-      m_volumes{QDBusConnection::systemBus()}, m_desktop{QDBusConnection::sessionBus(),
-                                                         [] { QApplication::beep(); }},
+      m_analyticsService{QUrl{options.countsUsage ? QStringLiteral(KELVARA_ANALYTICS_URL) : QString{}},
+                         {QCoreApplication::applicationVersion(), QSysInfo::prettyProductName()}},
+      m_analytics{m_settings, m_analyticsService}, m_volumes{QDBusConnection::systemBus()},
+      m_desktop{QDBusConnection::sessionBus(), [] { QApplication::beep(); }},
       m_locale{QLocale{}.bcp47Name().toStdString()}, m_volumeService{m_volumes, m_locale},
       m_sidecars{m_files}, m_copier{m_files, sidecarWriter(m_sidecars)}, m_images{m_main},
       m_background{backgroundThreads}, m_sidecarWrites{1, ThreadPool::AtEnd::finish},
@@ -43,8 +47,10 @@ KelvaraApp::KelvaraApp(const Options& options)
                                    .copier = m_copier,
                                    .folderChooser = m_folderChooser,
                                    .desktop = m_desktop,
+                                   .analytics = m_analytics,
                                    .emptyImageCaches = [this] { m_images.emptyCaches(); },
                                    .collationLocale = m_locale};
+    m_analytics.record(AppStarted{});
     m_library = std::make_unique<LibraryViewModel>(services, options.folder);
     m_window = std::make_unique<RootView>(*m_library, m_preferences, m_desktop, m_sideWindows, makeCanvases(),
                                           [this](const FileURL& path) { openDropped(path); });

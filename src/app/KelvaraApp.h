@@ -3,8 +3,10 @@
 #include "app/ImageServices.h"
 #include "app/ScreenColorSpaceObserver.h"
 #include "async/ThreadPool.h"
+#include "library/AllowedAnalytics.h"
 #include "library/LibraryViewModel.h"
 #include "library/Settings.h"
+#include "platform/linux/HTTPAnalytics.h"
 #include "platform/linux/LinuxDesktop.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/QtMainExecutor.h"
@@ -33,6 +35,7 @@ public:
     struct Options {
         FileURL folder;          ///< Opened at start; empty for the remembered one.
         QString preferencesPath; ///< The file of the settings.
+        bool countsUsage = true; ///< Where the settings allow it, too.
     };
 
     explicit KelvaraApp(const Options& options);
@@ -51,6 +54,8 @@ private:
     // From the bottom up: what comes later uses what comes before, and goes first.
     SettingsPreferences m_preferences;
     Settings m_settings;
+    HTTPAnalytics m_analyticsService;
+    AllowedAnalytics m_analytics;
     QtMainExecutor m_main;
     LinuxFileSystem m_files;
     UDisksVolumes m_volumes;

@@ -124,7 +124,8 @@ int main(int argumentCount, char** argumentValues) {
     kelvara::KelvaraApp app{{.folder = arguments.folder,
                              .preferencesPath = takesScreenshots
                                                     ? scratch.filePath(QStringLiteral("kelvara.conf"))
-                                                    : preferencesPath()}};
+                                                    : preferencesPath(),
+                             .countsUsage = !takesScreenshots}};
     kelvara::DesktopAppearance desktop{QDBusConnection::sessionBus()};
     QObject::connect(&desktop, &kelvara::DesktopAppearance::reducedMotionChanged, &kelvara::setReducedMotion);
     if (!arguments.appearance && !takesScreenshots) followDesktop(desktop, application, app.preferences());

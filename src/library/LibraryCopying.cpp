@@ -2,6 +2,7 @@
 
 #include "library/LibraryViewModel.h"
 #include "library/PreferenceKeys.h"
+#include "platform/AnalyticsClient.h"
 #include "platform/Desktop.h"
 #include "platform/FolderChooser.h"
 #include "platform/Preferences.h"
@@ -87,7 +88,7 @@ void LibraryViewModel::runCopy() {
                                 request = std::move(request), starred = std::move(starred)] {
         const auto publish = [&](CopyState state) {
             main.post([this, alive, state = std::move(state)] {
-                if (!alive.expired()) assign(Property::copyState, m_copyState, state);
+                if (!alive.expired()) publishCopy(state);
             });
         };
         const auto plans = copier.plan(request, stop);
@@ -100,6 +101,12 @@ void LibraryViewModel::runCopy() {
         }
         publish(copier.copy(*plans, request.destination, starred, stop, publish));
     });
+}
+
+void LibraryViewModel::publishCopy(const CopyState& state) {
+    const auto* report = std::get_if<CopyService::Report>(&state);
+    if (report && report->copied > 0) m_services.analytics.record(PhotosCopied{.count = report->copied});
+    assign(Property::copyState, m_copyState, state);
 }
 
 void LibraryViewModel::cancelCopy() { m_copyStop.request_stop(); }

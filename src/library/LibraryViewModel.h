@@ -24,6 +24,7 @@
 
 namespace kelvara {
 
+class AnalyticsClient;
 class CopyService;
 class Desktop;
 class FileSystem;
@@ -81,6 +82,7 @@ struct LibraryServices {
     CopyService& copier;
     FolderChooser& folderChooser;
     Desktop& desktop;
+    AnalyticsClient& analytics; ///< Asks the user's settings itself.
     std::function<void()> emptyImageCaches;
     std::string collationLocale; ///< See `NameOrder`.
 };
@@ -260,6 +262,7 @@ private:
     void saveRating(Rating rating, const FileURL& id);
     void didSaveRating(Rating saved, const FileURL& id, const Result<void, XMPError>& result);
     void runCopy();
+    void publishCopy(const CopyState& state);
 
     LibraryServices m_services;
     LatestOnly m_scan;

@@ -30,6 +30,10 @@ TEST_F(LibraryCopyTest, copiesTheMarkedFilesAndEndsInAReport) {
     EXPECT_EQ(report->copied, 2);
     EXPECT_EQ(report->copiedBytes, 10);
     EXPECT_EQ(m_card.files("kept"), (std::vector<std::string>{"a.jpg", "c.NEF"}));
+    EXPECT_EQ(m_analytics.events, std::vector<UsageEvent>{PhotosCopied{.count = 2}});
+    library.startCopy(); // which finds them there
+    settle();
+    EXPECT_EQ(m_analytics.events.size(), 1U);
     library.dismissCopy();
     EXPECT_TRUE(std::holds_alternative<CopyIdle>(library.copyState()));
 }

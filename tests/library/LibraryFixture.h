@@ -5,6 +5,7 @@
 #include "services/CopyService.h"
 #include "services/VolumeService.h"
 #include "services/XMPService.h"
+#include "support/FakeAnalytics.h"
 #include "support/FakeDesktop.h"
 #include "support/ManualExecutor.h"
 #include "support/TemporaryFolder.h"
@@ -32,6 +33,7 @@ protected:
                 .copier = m_copier,
                 .folderChooser = m_chooser,
                 .desktop = m_desktop,
+                .analytics = m_analytics,
                 .emptyImageCaches = [this] { ++m_cacheClearings; },
                 .collationLocale = {}};
     }
@@ -67,6 +69,7 @@ protected:
     CopyService m_copier{m_files, [](const FileURL&, Rating) -> Result<void, std::string> { return {}; }};
     FakeFolderChooser m_chooser;
     FakeDesktop m_desktop;
+    FakeAnalytics m_analytics;
     int m_cacheClearings = 0;
     std::unique_ptr<LibraryViewModel> m_library;
 };

@@ -8,6 +8,7 @@
 #include "services/CopyService.h"
 #include "services/VolumeService.h"
 #include "services/XMPService.h"
+#include "support/FakeAnalytics.h"
 #include "support/FakeDesktop.h"
 #include "support/TemporaryFolder.h"
 
@@ -84,6 +85,7 @@ protected:
                                                                        .copier = m_copier,
                                                                        .folderChooser = m_chooser,
                                                                        .desktop = m_desktop,
+                                                                       .analytics = m_analytics,
                                                                        .emptyImageCaches = [] {},
                                                                        .collationLocale = {}},
                                                        m_cards[0].url);
@@ -200,6 +202,7 @@ protected:
     CopyService m_copier{m_files, [](const FileURL&, Rating) -> Result<void, std::string> { return {}; }};
     FakeFolderChooser m_chooser;
     FakeDesktop m_desktop;
+    FakeAnalytics m_analytics;
     std::unique_ptr<ThreadPool> m_sidecarWrites = std::make_unique<ThreadPool>(1U, ThreadPool::AtEnd::finish);
     std::unique_ptr<ThreadPool> m_background = std::make_unique<ThreadPool>(3U);
     std::unique_ptr<LibraryViewModel> m_library;

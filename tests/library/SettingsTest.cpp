@@ -1,6 +1,8 @@
 #include "library/Settings.h"
 
+#include "library/AllowedAnalytics.h"
 #include "library/PreferenceKeys.h"
+#include "support/FakeAnalytics.h"
 #include "support/FakeDesktop.h"
 
 #include <gtest/gtest.h>
@@ -37,6 +39,21 @@ TEST(SettingsTest, aChangeIsWrittenAndToldToThoseWhoReadIt) {
     EXPECT_EQ(gridChanges, 1);
     EXPECT_EQ(preferences.boolean("shareAnonymousUsage"), false);
     EXPECT_EQ(preferences.integer("shareLongEdge"), 1600);
+}
+
+TEST(SettingsTest, usageIsRecordedOnlyWhileItIsAllowedAndWhatWaitsIsDroppedAfterwards) {
+    MemoryPreferences preferences;
+    preferences.setBoolean(PreferenceKeys::shareAnonymousUsage, false);
+    Settings settings{preferences};
+    FakeAnalytics client;
+    AllowedAnalytics analytics{settings, client};
+    analytics.record(AppStarted{});
+    EXPECT_TRUE(client.events.empty());
+    settings.setSharesAnonymousUsage(true);
+    analytics.record(PhotosCopied{.count = 3});
+    EXPECT_EQ(client.events, std::vector<UsageEvent>{PhotosCopied{.count = 3}});
+    settings.setSharesAnonymousUsage(false);
+    EXPECT_TRUE(client.events.empty());
 }
 
 } // namespace kelvara
