@@ -38,12 +38,17 @@ std::vector<std::uint8_t> serialised(cmsHPROFILE profile) {
     return icc;
 }
 
-std::vector<std::uint8_t> rgbProfile(const cmsCIExyYTRIPLE& primaries, cmsToneCurve* curve) {
-    const cmsCIExyY d65{0.3127, 0.3290, 1.0};
+std::vector<std::uint8_t> rgbProfile(const Primaries& primaries, cmsToneCurve* curve) {
+    const auto chromaticity = [](Primaries::Point point) { return cmsCIExyY{point.x, point.y, 1}; };
+    const auto white = chromaticity(primaries.white);
+    const cmsCIExyYTRIPLE corners{chromaticity(primaries.red), chromaticity(primaries.green),
+                                  chromaticity(primaries.blue)};
     std::array<cmsToneCurve*, 3> curves{curve, curve, curve};
-    const ProfileHandle profile{cmsCreateRGBProfile(&d65, &primaries, curves.data())};
+    const ProfileHandle profile{curve ? cmsCreateRGBProfile(&white, &corners, curves.data()) : nullptr};
     return profile ? serialised(profile.get()) : std::vector<std::uint8_t>{};
 }
+
+constexpr Primaries::Point d65{0.3127, 0.3290};
 
 // The creation date of an ICC header.
 constexpr std::size_t dateStart = 24, dateEnd = 36, headerSize = 128;
@@ -81,8 +86,6 @@ std::optional<ColorProfile::Model> usableModel(cmsHPROFILE profile) {
     const auto device = cmsGetDeviceClass(profile);
     if (device == cmsSigLinkClass || device == cmsSigNamedColorClass) return std::nullopt;
     switch (cmsGetColorSpace(profile)) {
-    case cmsSigGrayData:
-        return ColorProfile::Model::grey;
     case cmsSigRgbData:
         return ColorProfile::Model::rgb;
     case cmsSigCmykData:
@@ -93,6 +96,8 @@ std::optional<ColorProfile::Model> usableModel(cmsHPROFILE profile) {
 }
 
 } // namespace
+
+const Primaries Primaries::sRGB{d65, {0.64, 0.33}, {0.30, 0.60}, {0.15, 0.06}};
 
 ColorProfile::ColorProfile(std::vector<std::uint8_t> icc, Model model)
     : m_icc{std::move(icc)}, m_model{model} {
@@ -108,15 +113,14 @@ bool operator==(const ColorProfile& a, const ColorProfile& b) {
 
 ColorProfilePtr ColorProfile::sRGB() {
     static const ColorProfilePtr profile{[] {
-        const cmsCIExyYTRIPLE primaries{{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
-        return new ColorProfile{rgbProfile(primaries, sRGBCurve().get()), Model::rgb};
+        return new ColorProfile{rgbProfile(Primaries::sRGB, sRGBCurve().get()), Model::rgb};
     }()};
     return profile;
 }
 
 ColorProfilePtr ColorProfile::displayP3() {
     static const ColorProfilePtr profile{[] {
-        const cmsCIExyYTRIPLE primaries{{0.680, 0.320, 1}, {0.265, 0.690, 1}, {0.150, 0.060, 1}};
+        const Primaries primaries{d65, {0.680, 0.320}, {0.265, 0.690}, {0.150, 0.060}};
         return new ColorProfile{rgbProfile(primaries, sRGBCurve().get()), Model::rgb};
     }()};
     return profile;
@@ -124,7 +128,7 @@ ColorProfilePtr ColorProfile::displayP3() {
 
 ColorProfilePtr ColorProfile::adobeRGB() {
     static const ColorProfilePtr profile{[] {
-        const cmsCIExyYTRIPLE primaries{{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}};
+        const Primaries primaries{d65, {0.64, 0.33}, {0.21, 0.71}, {0.15, 0.06}};
         const Curve gamma{cmsBuildGamma(nullptr, 563.0 / 256)};
         return new ColorProfile{rgbProfile(primaries, gamma.get()), Model::rgb};
     }()};
@@ -135,10 +139,19 @@ ColorProfilePtr ColorProfile::fromIcc(std::span<const std::uint8_t> icc) {
     if (icc.size() < headerSize || icc.size() > (std::size_t{64} << 20)) return nullptr;
     const ProfileHandle profile{cmsOpenProfileFromMem(icc.data(), static_cast<cmsUInt32Number>(icc.size()))};
     if (!profile) return nullptr;
+    if (cmsGetColorSpace(profile.get()) == cmsSigGrayData) {
+        auto* curve = static_cast<cmsToneCurve*>(cmsReadTag(profile.get(), cmsSigGrayTRCTag));
+        return fromIcc(rgbProfile(Primaries::sRGB, curve));
+    }
     const auto model = usableModel(profile.get());
     if (!model) return nullptr;
     if (*model == Model::rgb && describesSRGB(profile.get())) return sRGB();
     return ColorProfilePtr{new ColorProfile{{icc.begin(), icc.end()}, *model}};
+}
+
+ColorProfilePtr ColorProfile::fromGamma(const Primaries& primaries, double gamma) {
+    const Curve curve{cmsBuildGamma(nullptr, gamma)};
+    return fromIcc(rgbProfile(primaries, curve.get()));
 }
 
 } // namespace kelvara

@@ -21,8 +21,6 @@ ProfileHandle open(const ColorProfile& profile) {
 
 cmsUInt32Number format(ColorTransform::Input input) {
     switch (input) {
-    case ColorTransform::Input::grey:
-        return TYPE_GRAY_8;
     case ColorTransform::Input::bgrx:
         return TYPE_BGRA_8;
     case ColorTransform::Input::cmyk:
@@ -34,14 +32,7 @@ cmsUInt32Number format(ColorTransform::Input input) {
 }
 
 ColorProfile::Model model(ColorTransform::Input input) {
-    switch (input) {
-    case ColorTransform::Input::grey:
-        return ColorProfile::Model::grey;
-    case ColorTransform::Input::bgrx:
-        return ColorProfile::Model::rgb;
-    default:
-        return ColorProfile::Model::cmyk;
-    }
+    return input == ColorTransform::Input::bgrx ? ColorProfile::Model::rgb : ColorProfile::Model::cmyk;
 }
 
 /// A folder's photos come from one or two cameras, so a handful of transforms serves them all.

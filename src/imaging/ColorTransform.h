@@ -14,7 +14,7 @@ class ColorTransform {
 public:
     /// How the pixels to convert lie in memory; the results are always blue, green, red and an untouched
     /// byte.
-    enum class Input { grey, bgrx, cmyk, invertedCmyk };
+    enum class Input { bgrx, cmyk, invertedCmyk };
 
     /// Null when the profiles can't be combined; `source` must have the model of `input`.
     [[nodiscard]] static std::shared_ptr<const ColorTransform>
