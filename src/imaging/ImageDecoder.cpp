@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstring>
 #include <exception>
+#include <utility>
 
 namespace kelvara::ImageDecoder {
 namespace {
@@ -32,16 +33,17 @@ struct Rectangle {
 };
 
 BitmapPtr cut(const Bitmap& bitmap, Rectangle part) {
-    auto result = Bitmap::create(part.size, bitmap.profile());
+    auto result = Bitmap::create(part.size, bitmap.profile(), bitmap.format());
     if (!result) return nullptr;
+    const auto left = static_cast<std::size_t>(part.x) * bytesPerPixel(bitmap.format());
     for (int y = 0; y < part.size.height; ++y) {
-        const auto from = bitmap.row(part.y + y).subspan(static_cast<std::size_t>(part.x) * 4);
+        const auto from = bitmap.row(part.y + y).subspan(left);
         std::memcpy(result->row(y).data(), from.data(), result->rowBytes());
     }
     return result;
 }
 
-BitmapPtr original(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop) {
+BitmapPtr original(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop, Depth depth) {
     if (maximum && *maximum < 1) return nullptr;
     const auto source = ImageSource::open(url);
     if (!source) return nullptr;
@@ -54,7 +56,7 @@ BitmapPtr original(const FileURL& url, std::optional<int> maximum, const std::st
             return preview;
     }
     if (stop.stop_requested()) return nullptr;
-    return source->image(target, stop);
+    return depth == Depth::full ? source->deepImage(target, stop) : source->image(target, stop);
 }
 
 BitmapPtr storedThumbnail(const FileURL& url, const std::stop_token& stop) {
@@ -68,8 +70,9 @@ BitmapPtr storedThumbnail(const FileURL& url, const std::stop_token& stop) {
 
 } // namespace
 
-BitmapPtr decodeOriginal(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop) {
-    return orNothing([&] { return original(url, maximum, stop); });
+BitmapPtr decodeOriginal(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop,
+                         Depth depth) {
+    return orNothing([&] { return original(url, maximum, stop, depth); });
 }
 
 BitmapPtr embeddedThumbnail(const FileURL& url, const std::stop_token& stop) {
@@ -95,20 +98,7 @@ BitmapPtr cropLetterbox(BitmapPtr preview, std::optional<PixelSize> fileSize, Or
 }
 
 BitmapPtr prepareForDisplay(BitmapPtr bitmap, const std::stop_token& stop) {
-    const auto display = DisplayColorSpace::current();
-    if (!bitmap || *bitmap->profile() == *display) return bitmap;
-    const auto transform = ColorTransform::between(bitmap->profile(), ColorTransform::Input::bgrx, display);
-    if (!transform) return bitmap; // better in slightly wrong colours than not at all
-    auto result = Bitmap::create(bitmap->size(), display);
-    if (!result) return nullptr;
-    for (int y = 0; y < bitmap->height(); ++y) {
-        if (stop.stop_requested()) return nullptr;
-        auto* row = result->row(y).data();
-        transform->convert(bitmap->row(y).data(), row, static_cast<std::size_t>(bitmap->width()));
-        // The transform leaves the fourth byte alone, which is still undefined.
-        for (int x = 0; x < bitmap->width(); ++x) row[static_cast<std::size_t>(x) * 4 + 3] = 255;
-    }
-    return result;
+    return converted(std::move(bitmap), DisplayColorSpace::current(), PixelFormat::bgrx8, stop);
 }
 
 } // namespace kelvara::ImageDecoder

@@ -1,3 +1,4 @@
+#include "imaging/ColorTransform.h"
 #include "imaging/DecodingTest.h"
 #include "imaging/PngMaker.h"
 
@@ -141,6 +142,45 @@ TEST_F(PngTest, exifTurnsItWhereverItStands) {
         EXPECT_TRUE(isNear(corners(*image)[0], blue, 0));
         EXPECT_TRUE(isNear(corners(*image)[1], red, 0));
     }
+}
+
+TEST_F(PngTest, sixteenBitsAreKeptForExport) {
+    const auto full = [this](const PngRecipe& recipe, std::optional<int> maximum = {}) {
+        const auto url = writeFile(folder, "a.png", makePng(recipe));
+        return ImageDecoder::decodeOriginal(url, maximum, {}, Depth::full);
+    };
+    PngRecipe recipe{.size = {64, 32}, .depth = 16};
+    recipe.paint = [](int x, int) {
+        return PngRecipe::Pixel{static_cast<std::uint16_t>(x % 2 == 0 ? 1000 : 1003), 0x1234, 65535, 65535};
+    };
+    recipe.chunksBefore.emplace_back("eXIf", exifBlock(6));
+    for (const bool isInterlaced : {false, true}) {
+        recipe.isInterlaced = isInterlaced;
+        const auto image = full(recipe);
+        ASSERT_TRUE(image);
+        EXPECT_EQ(image->format(), PixelFormat::bgrx16);
+        EXPECT_EQ(image->size(), (PixelSize{32, 64}));
+        const auto even = image->row16(62), odd = image->row16(63);
+        EXPECT_EQ((std::vector<int>{even[8], even[9], even[10], even[11]}),
+                  (std::vector<int>{65535, 0x1234, 1000, 65535}));
+        EXPECT_EQ(odd[10], 1003);
+        EXPECT_EQ(full(recipe, 32)->row16(5)[6], 1002) << "scaled with all bits";
+        const auto display = ImageDecoder::prepareForDisplay(image, {});
+        ASSERT_EQ(display->format(), PixelFormat::bgrx8);
+        EXPECT_TRUE(isNear(colorAt(*display, 3, 3), {4, 18, 255}, 1));
+    }
+    recipe.paint = [](int, int) { return PngRecipe::Pixel{20000, 20000, 20000, 20000}; };
+    recipe.colorType = PNG_COLOR_TYPE_RGBA;
+    EXPECT_NEAR(full(recipe)->row16(0)[0], 65535 - 20000 + 20000.0 * 20000 / 65535, 1) << "on white";
+
+    const auto eight = full(pngQuarters(PNG_COLOR_TYPE_RGB, 8));
+    ASSERT_EQ(eight->format(), PixelFormat::bgrx8);
+    const auto wide = widened(eight);
+    EXPECT_EQ(wide->row16(0)[2], 65535);
+    EXPECT_EQ(wide->row16(0)[1], 0);
+    const auto adobe = converted(wide, ColorProfile::adobeRGB(), PixelFormat::bgrx16, {});
+    EXPECT_NEAR(adobe->row16(0)[2], 0.8586 * 65535, 100) << "sRGB red in Adobe RGB (1998)";
+    EXPECT_EQ(adobe->row16(0)[3], 65535);
 }
 
 TEST_F(PngTest, whatIsMissingOrDamagedDoesNoHarm) {

@@ -175,9 +175,15 @@ TEST_F(RawTest, aFileWithoutPreviewsIsDeveloped) {
     const auto half = decode(bytes, 100);
     ASSERT_TRUE(half);
     EXPECT_EQ(half->size(), (PixelSize{75, 100}));
+    const auto url = writeFile(folder, "b.dng", bytes);
+    const auto deep = ImageDecoder::decodeOriginal(url, 100, {}, Depth::full);
+    ASSERT_TRUE(deep);
+    EXPECT_EQ(deep->format(), PixelFormat::bgrx16);
+    for (const int y : {10, 50, 90})
+        EXPECT_NEAR(deep->row16(y)[160] / 257, half->row(y)[160], 1) << "the same picture";
     std::stop_source stop;
     stop.request_stop();
-    EXPECT_FALSE(ImageDecoder::decodeOriginal(writeFile(folder, "b.dng", bytes), {}, stop.get_token()));
+    EXPECT_FALSE(ImageDecoder::decodeOriginal(url, {}, stop.get_token()));
 }
 
 TEST_F(RawTest, aPreviewOfNineTenthsIsPreferredToDevelopment) {

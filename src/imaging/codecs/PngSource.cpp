@@ -5,7 +5,9 @@
 #include "imaging/codecs/PngSession.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
+#include <limits>
 #include <span>
 #include <utility>
 #include <vector>
@@ -72,42 +74,52 @@ ColorProfilePtr profileOf(PngSession& session) {
     return profile ? profile : ColorProfile::sRGB();
 }
 
-/// Blends with white by the fourth byte, in the numbers as they are stored, as painting programs do.
-void layOnWhite(std::span<std::uint8_t> row) {
+/// Blends with white by the fourth number, in the numbers as they are stored, as painting programs do.
+template <typename Sample> void layOnWhite(std::span<Sample> row) {
+    constexpr std::uint64_t most = std::numeric_limits<Sample>::max();
     for (std::size_t i = 0; i < row.size(); i += 4) {
-        const unsigned opacity = row[i + 3];
-        if (opacity == 255) continue;
+        const std::uint64_t opacity = row[i + 3];
+        if (opacity == most) continue;
         for (std::size_t c = i; c < i + 3; ++c)
-            row[c] = static_cast<std::uint8_t>((row[c] * opacity + 255 * (255 - opacity) + 127) / 255);
-        row[i + 3] = 255;
+            row[c] = static_cast<Sample>((row[c] * opacity + most * (most - opacity) + most / 2) / most);
+        row[i + 3] = static_cast<Sample>(most);
     }
 }
 
 class PngSource : public ImageSource {
 public:
     PngSource(ByteRange bytes, PngSession& session)
-        : m_bytes{std::move(bytes)}, m_size{sizeOf(session)},
-          m_orientation{orientationIn(session)}, m_profile{profileOf(session)} {}
+        : m_bytes{std::move(bytes)}, m_size{sizeOf(session)}, m_orientation{orientationIn(session)},
+          m_profile{profileOf(session)}, m_isDeep{png_get_bit_depth(session.state(), session.info()) == 16} {}
 
     [[nodiscard]] std::optional<PixelSize> pixelSize() const override { return m_size; }
     [[nodiscard]] Orientation orientation() const override { return m_orientation; }
     [[nodiscard]] BitmapPtr storedPreview(std::optional<int>, const std::stop_token&) override {
         return nullptr;
     }
-    [[nodiscard]] BitmapPtr image(std::optional<int> maximum, const std::stop_token& stop) override;
+    [[nodiscard]] BitmapPtr image(std::optional<int> maximum, const std::stop_token& stop) override {
+        return decode(maximum, stop, PixelFormat::bgrx8);
+    }
+    [[nodiscard]] BitmapPtr deepImage(std::optional<int> maximum, const std::stop_token& stop) override {
+        return decode(maximum, stop, m_isDeep ? PixelFormat::bgrx16 : PixelFormat::bgrx8);
+    }
 
 private:
-    /// Makes the library's rows four bytes a pixel: blue, green, red and opacity.
-    [[nodiscard]] bool prepare(PngSession& session) const;
-    [[nodiscard]] BitmapPtr readPasses(PngSession& session, const std::stop_token& stop) const;
+    [[nodiscard]] BitmapPtr decode(std::optional<int> maximum, const std::stop_token& stop,
+                                   PixelFormat format) const;
+    /// Makes the library's rows four numbers a pixel: blue, green, red and opacity.
+    [[nodiscard]] bool prepare(PngSession& session, PixelFormat format) const;
+    [[nodiscard]] BitmapPtr readPasses(PngSession& session, const std::stop_token& stop,
+                                       PixelFormat format) const;
 
     ByteRange m_bytes;
     PixelSize m_size;
     Orientation m_orientation;
     ColorProfilePtr m_profile;
+    bool m_isDeep;
 };
 
-bool PngSource::prepare(PngSession& session) const {
+bool PngSource::prepare(PngSession& session, PixelFormat format) const {
     auto* const state = session.state();
     auto* const info = session.info();
     const auto stored = std::uint64_t{png_get_rowbytes(state, info)} * static_cast<unsigned>(m_size.height);
@@ -115,7 +127,10 @@ bool PngSource::prepare(PngSession& session) const {
     std::size_t rowBytes = 0;
     const bool worked = session.guarded([&] {
         png_set_expand(state); // palettes, fewer than eight bits and transparent colours
-        png_set_scale_16(state);
+        if (format == PixelFormat::bgrx8)
+            png_set_scale_16(state);
+        else if (std::endian::native == std::endian::little)
+            png_set_swap(state);
         png_set_gray_to_rgb(state);
         png_set_bgr(state);
         png_set_add_alpha(state, 0xFFFF, PNG_FILLER_AFTER);
@@ -123,12 +138,12 @@ bool PngSource::prepare(PngSession& session) const {
         png_read_update_info(state, info);
         rowBytes = png_get_rowbytes(state, info);
     });
-    return worked && rowBytes == static_cast<std::size_t>(m_size.width) * 4;
+    return worked && rowBytes == static_cast<std::size_t>(m_size.width) * bytesPerPixel(format);
 }
 
 /// An interlaced picture comes in seven passes over its rows, so it is held as a whole.
-BitmapPtr PngSource::readPasses(PngSession& session, const std::stop_token& stop) const {
-    std::shared_ptr<Bitmap> whole = Bitmap::create(m_size, m_profile);
+BitmapPtr PngSource::readPasses(PngSession& session, const std::stop_token& stop, PixelFormat format) const {
+    std::shared_ptr<Bitmap> whole = Bitmap::create(m_size, m_profile, format);
     if (!whole) return nullptr;
     constexpr int passes = 7;
     constexpr std::uint8_t missing = 128;
@@ -146,25 +161,29 @@ BitmapPtr PngSource::readPasses(PngSession& session, const std::stop_token& stop
     return whole;
 }
 
-BitmapPtr PngSource::image(std::optional<int> maximum, const std::stop_token& stop) {
+BitmapPtr PngSource::decode(std::optional<int> maximum, const std::stop_token& stop,
+                            PixelFormat format) const {
     PngSession session{m_bytes};
-    if (stop.stop_requested() || !begin(session) || !prepare(session)) return nullptr;
+    if (stop.stop_requested() || !begin(session) || !prepare(session, format)) return nullptr;
     const auto wanted = maximum ? m_size.fittedTo(*maximum) : m_size;
-    const std::size_t rowBytes = static_cast<std::size_t>(m_size.width) * 4;
+    const auto samples = static_cast<std::size_t>(m_size.width) * 4;
     BitmapPtr whole;
     if (png_get_interlace_type(session.state(), session.info()) != PNG_INTERLACE_NONE) {
-        whole = readPasses(session, stop);
+        whole = readPasses(session, stop, format);
         if (!whole) return nullptr;
     }
     const auto readRow = [&](int y, std::uint8_t* row) {
         if (whole)
-            std::memcpy(row, whole->row(y).data(), rowBytes);
+            std::memcpy(row, whole->row(y).data(), whole->rowBytes());
         else if (!session.guarded([&] { png_read_row(session.state(), row, nullptr); }))
             return false;
-        layOnWhite({row, rowBytes});
+        if (format == PixelFormat::bgrx8)
+            layOnWhite(std::span{row, samples});
+        else
+            layOnWhite(std::span{reinterpret_cast<std::uint16_t*>(row), samples});
         return true;
     };
-    auto bitmap = collectRows(m_size, wanted, m_profile, stop, readRow);
+    auto bitmap = collectRows(m_size, wanted, m_profile, stop, readRow, format);
     session.guarded([&] { png_read_end(session.state(), session.info()); });
     return turnedUpright(std::move(bitmap), orientationIn(session), stop);
 }

@@ -82,8 +82,18 @@ public:
     }
 
     [[nodiscard]] BitmapPtr image(std::optional<int> maximum, const std::stop_token& stop) override {
+        return develop(maximum, PixelFormat::bgrx8, stop);
+    }
+
+    [[nodiscard]] BitmapPtr deepImage(std::optional<int> maximum, const std::stop_token& stop) override {
+        return develop(maximum, PixelFormat::bgrx16, stop);
+    }
+
+private:
+    BitmapPtr develop(std::optional<int> maximum, PixelFormat format, const std::stop_token& stop) {
         auto* developer = openDeveloper();
-        const auto developed = developer ? developer->develop(maximum, stop) : RawDeveloper::Development{};
+        const auto developed =
+            developer ? developer->develop(maximum, format, stop) : RawDeveloper::Development{};
         m_developer.reset(); // develops once
         if (developed.bitmap && !developed.isDamaged)
             return turnedUpright(developed.bitmap, orientation(), stop);
@@ -92,7 +102,6 @@ public:
         return turnedUpright(developed.bitmap, orientation(), stop);
     }
 
-private:
     RawDeveloper* openDeveloper() {
         if (!m_developer) m_developer = RawDeveloper::open(m_url);
         return m_developer.get();
