@@ -1,5 +1,7 @@
 #include "imaging/ColorProfile.h"
 
+#include "imaging/HighDynamicRange.h"
+
 #include <lcms2.h>
 
 #include <algorithm>
@@ -49,6 +51,66 @@ std::vector<std::uint8_t> rgbProfile(const Primaries& primaries, cmsToneCurve* c
 }
 
 constexpr Primaries::Point d65{0.3127, 0.3290};
+constexpr Primaries displayP3Primaries{d65, {0.680, 0.320}, {0.265, 0.690}, {0.150, 0.060}};
+
+/// By the code points of ITU-T H.273, table 2.
+std::optional<Primaries> primariesOf(int code) {
+    switch (code) {
+    case 1: // ITU-R BT.709
+    case 2: // not said
+        return Primaries::sRGB;
+    case 5: // ITU-R BT.601, 625 lines
+        return Primaries{d65, {0.640, 0.330}, {0.290, 0.600}, {0.150, 0.060}};
+    case 6: // ITU-R BT.601, 525 lines
+    case 7: // SMPTE ST 240
+        return Primaries{d65, {0.630, 0.340}, {0.310, 0.595}, {0.155, 0.070}};
+    case 9: // ITU-R BT.2020 and BT.2100
+        return Primaries{d65, {0.708, 0.292}, {0.170, 0.797}, {0.131, 0.046}};
+    case 11: // SMPTE RP 431-2
+        return Primaries{
+            {0.314, 0.351}, displayP3Primaries.red, displayP3Primaries.green, displayP3Primaries.blue};
+    case 12: // SMPTE EG 432-1
+        return displayP3Primaries;
+    default:
+        return std::nullopt;
+    }
+}
+
+/// Enough steps for PQ, which packs all darkness into its first few.
+Curve sampledCurve(double (*light)(double signal)) {
+    constexpr std::size_t steps = 4096;
+    std::vector<cmsUInt16Number> table(steps);
+    for (std::size_t i = 0; i < steps; ++i)
+        table[i] =
+            static_cast<cmsUInt16Number>(std::lround(light(static_cast<double>(i) / (steps - 1)) * 65535));
+    return Curve{cmsBuildTabulatedToneCurve16(nullptr, steps, table.data())};
+}
+
+/// By the code points of ITU-T H.273, table 3.
+Curve transferOf(int code) {
+    switch (code) {
+    case 4:
+        return Curve{cmsBuildGamma(nullptr, 2.2)};
+    case 5:
+        return Curve{cmsBuildGamma(nullptr, 2.8)};
+    case 8:
+        return Curve{cmsBuildGamma(nullptr, 1.0)};
+    case 1: // BT.709 and its kin tell how cameras encode; pictures made so are meant for screens like
+    case 2: // sRGB's. Not said.
+    case 6:
+    case 7:
+    case 13: // IEC 61966-2-1
+    case 14:
+    case 15:
+        return sRGBCurve();
+    case 16:
+        return sampledCurve(HighDynamicRange::screenLightOfPQ);
+    case 18:
+        return sampledCurve(HighDynamicRange::screenLightOfHLG);
+    default:
+        return nullptr;
+    }
+}
 
 // The creation date of an ICC header.
 constexpr std::size_t dateStart = 24, dateEnd = 36, headerSize = 128;
@@ -120,8 +182,7 @@ ColorProfilePtr ColorProfile::sRGB() {
 
 ColorProfilePtr ColorProfile::displayP3() {
     static const ColorProfilePtr profile{[] {
-        const Primaries primaries{d65, {0.680, 0.320}, {0.265, 0.690}, {0.150, 0.060}};
-        return new ColorProfile{rgbProfile(primaries, sRGBCurve().get()), Model::rgb};
+        return new ColorProfile{rgbProfile(displayP3Primaries, sRGBCurve().get()), Model::rgb};
     }()};
     return profile;
 }
@@ -147,6 +208,12 @@ ColorProfilePtr ColorProfile::fromIcc(std::span<const std::uint8_t> icc) {
     if (!model) return nullptr;
     if (*model == Model::rgb && describesSRGB(profile.get())) return sRGB();
     return ColorProfilePtr{new ColorProfile{{icc.begin(), icc.end()}, *model}};
+}
+
+ColorProfilePtr ColorProfile::fromCodePoints(int primaries, int transfer) {
+    const auto corners = primariesOf(primaries);
+    const auto curve = transferOf(transfer);
+    return corners && curve ? fromIcc(rgbProfile(*corners, curve.get())) : nullptr;
 }
 
 ColorProfilePtr ColorProfile::fromGamma(const Primaries& primaries, double gamma) {

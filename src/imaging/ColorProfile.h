@@ -36,6 +36,10 @@ public:
     /// within rounding gives `sRGB()` itself, so that images in it need no conversion. One for shades of grey
     /// gives the RGB profile in which equal parts are those shades.
     [[nodiscard]] static ColorProfilePtr fromIcc(std::span<const std::uint8_t> icc);
+    /// The space of a picture that names it by the code points of ITU-T H.273, as films, HEIF and AVIF do.
+    /// High dynamic range is mapped to what a screen shows: diffuse white becomes a light grey, highlights up
+    /// to 1000 cd/m2 lie between it and white. Null for code points without meaning.
+    [[nodiscard]] static ColorProfilePtr fromCodePoints(int primaries, int transfer);
     /// Light as a power of the stored number. Null when the primaries span no space.
     [[nodiscard]] static ColorProfilePtr fromGamma(const Primaries& primaries, double gamma);
 

@@ -1,6 +1,7 @@
 #include "imaging/codecs/HeifSource.h"
 
 #include "imaging/AreaScaler.h"
+#include "imaging/ColorTransform.h"
 
 #include <libheif/heif.h>
 
@@ -28,15 +29,20 @@ PixelSize sizeOf(const heif_image_handle& handle) {
     return {heif_image_handle_get_width(&handle), heif_image_handle_get_height(&handle)};
 }
 
+/// Null when the picture names its colours in another way, or not.
+Owned<heif_color_profile_nclx> codePointsOf(const heif_image_handle& handle) {
+    heif_color_profile_nclx* nclx = nullptr;
+    if (heif_image_handle_get_color_profile_type(&handle) != heif_color_profile_type_nclx ||
+        !worked(heif_image_handle_get_nclx_color_profile(&handle, &nclx))) {
+        return nullptr;
+    }
+    return Owned<heif_color_profile_nclx>{nclx};
+}
+
 /// Null when the picture doesn't name its colours.
 ColorProfilePtr profileOf(const heif_image_handle& handle) {
-    const auto type = heif_image_handle_get_color_profile_type(&handle);
-    if (type == heif_color_profile_type_nclx) {
-        heif_color_profile_nclx* nclx = nullptr;
-        if (!worked(heif_image_handle_get_nclx_color_profile(&handle, &nclx))) return nullptr;
-        const Owned<heif_color_profile_nclx> owned{nclx};
-        const bool isP3 = nclx->color_primaries == heif_color_primaries_SMPTE_EG_432_1;
-        return isP3 ? ColorProfile::displayP3() : ColorProfile::sRGB();
+    if (const auto nclx = codePointsOf(handle)) {
+        return ColorProfile::fromCodePoints(nclx->color_primaries, nclx->transfer_characteristics);
     }
     std::vector<std::uint8_t> icc(heif_image_handle_get_raw_color_profile_size(&handle));
     if (icc.empty() || !worked(heif_image_handle_get_raw_color_profile(&handle, icc.data()))) return nullptr;
@@ -85,15 +91,25 @@ public:
     }
 
     [[nodiscard]] BitmapPtr image(std::optional<int> maximum, const std::stop_token& stop) override {
-        return decode(*m_primary, maximum, PixelFormat::bgrx8, stop);
+        if (!isDeep() || !isHighDynamicRange()) return decode(*m_primary, maximum, PixelFormat::bgrx8, stop);
+        // Eight bits of its steep curve would show steps in a clear sky.
+        auto deep = decode(*m_primary, maximum, PixelFormat::bgrx16, stop);
+        return converted(std::move(deep), ColorProfile::displayP3(), PixelFormat::bgrx8, stop);
     }
 
     [[nodiscard]] BitmapPtr deepImage(std::optional<int> maximum, const std::stop_token& stop) override {
-        const bool isDeep = heif_image_handle_get_luma_bits_per_pixel(m_primary.get()) > 8;
-        return decode(*m_primary, maximum, isDeep ? PixelFormat::bgrx16 : PixelFormat::bgrx8, stop);
+        return decode(*m_primary, maximum, isDeep() ? PixelFormat::bgrx16 : PixelFormat::bgrx8, stop);
     }
 
 private:
+    [[nodiscard]] bool isDeep() const {
+        return heif_image_handle_get_luma_bits_per_pixel(m_primary.get()) > 8;
+    }
+    [[nodiscard]] bool isHighDynamicRange() const {
+        const auto nclx = codePointsOf(*m_primary);
+        return nclx && (nclx->transfer_characteristics == heif_transfer_characteristic_ITU_R_BT_2100_0_PQ ||
+                        nclx->transfer_characteristics == heif_transfer_characteristic_ITU_R_BT_2100_0_HLG);
+    }
     [[nodiscard]] Owned<heif_image_handle> choosePreview(std::optional<int> maximum) const;
     [[nodiscard]] BitmapPtr decode(const heif_image_handle& handle, std::optional<int> maximum,
                                    PixelFormat format, const std::stop_token& stop) const;
