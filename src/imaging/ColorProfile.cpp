@@ -1,8 +1,7 @@
 #include "imaging/ColorProfile.h"
 
 #include "imaging/HighDynamicRange.h"
-
-#include <lcms2.h>
+#include "imaging/Lcms.h"
 
 #include <algorithm>
 #include <array>
@@ -14,16 +13,6 @@
 
 namespace kelvara {
 namespace {
-
-struct CloseProfile {
-    void operator()(void* profile) const { cmsCloseProfile(profile); }
-};
-using ProfileHandle = std::unique_ptr<void, CloseProfile>;
-
-struct FreeCurve {
-    void operator()(cmsToneCurve* curve) const { cmsFreeToneCurve(curve); }
-};
-using Curve = std::unique_ptr<cmsToneCurve, FreeCurve>;
 
 /// IEC 61966-2-1.
 Curve sRGBCurve() {

@@ -1,23 +1,15 @@
 #include "imaging/ColorTransform.h"
 
-#include <lcms2.h>
+#include "imaging/Lcms.h"
+#include "imaging/MatrixTransform.h"
 
 #include <algorithm>
 #include <list>
 #include <mutex>
+#include <utility>
 
 namespace kelvara {
 namespace {
-
-struct CloseProfile {
-    void operator()(void* profile) const { cmsCloseProfile(profile); }
-};
-using ProfileHandle = std::unique_ptr<void, CloseProfile>;
-
-ProfileHandle open(const ColorProfile& profile) {
-    return ProfileHandle{
-        cmsOpenProfileFromMem(profile.icc().data(), static_cast<cmsUInt32Number>(profile.icc().size()))};
-}
 
 cmsUInt32Number format(ColorTransform::Input input) {
     switch (input) {
@@ -84,21 +76,43 @@ std::shared_ptr<const ColorTransform> ColorTransform::make(const ColorProfile& s
                                                            const ColorProfile& destination,
                                                            PixelFormat output) {
     if (source.model() != model(input) || destination.model() != ColorProfile::Model::rgb) return nullptr;
-    const auto from = open(source);
-    const auto to = open(destination);
+    if (input == Input::bgrx16) {
+        if (auto matrix = MatrixTransform::make(source, destination))
+            return std::shared_ptr<const ColorTransform>{
+                new ColorTransform{nullptr, std::move(matrix), output}};
+    }
+    const auto from = openProfile(source);
+    const auto to = openProfile(destination);
     if (!from || !to) return nullptr;
-    // Without the library's one-pixel memory the transform may be used by several threads.
-    const auto transform = cmsCreateTransform(
-        from.get(), format(input), to.get(), output == PixelFormat::bgrx8 ? TYPE_BGRA_8 : TYPE_BGRA_16,
-        INTENT_RELATIVE_COLORIMETRIC, cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE);
+    // Without the library's one-pixel memory the transform may be used by several threads. Its shortcuts are
+    // exact enough for eight bits only.
+    const cmsUInt32Number flags = cmsFLAGS_BLACKPOINTCOMPENSATION | cmsFLAGS_NOCACHE |
+                                  (input == Input::bgrx16 ? cmsFLAGS_NOOPTIMIZE : 0U);
+    const auto transform = cmsCreateTransform(from.get(), format(input), to.get(),
+                                              output == PixelFormat::bgrx8 ? TYPE_BGRA_8 : TYPE_BGRA_16,
+                                              INTENT_RELATIVE_COLORIMETRIC, flags);
     if (!transform) return nullptr;
-    return std::shared_ptr<const ColorTransform>{new ColorTransform{transform}};
+    return std::shared_ptr<const ColorTransform>{new ColorTransform{transform, nullptr, output}};
 }
 
-ColorTransform::~ColorTransform() { cmsDeleteTransform(m_transform); }
+ColorTransform::ColorTransform(void* transform, std::unique_ptr<const MatrixTransform> matrix,
+                               PixelFormat output)
+    : m_transform{transform}, m_matrix{std::move(matrix)}, m_output{output} {}
+
+ColorTransform::~ColorTransform() {
+    if (m_transform) cmsDeleteTransform(m_transform);
+}
 
 void ColorTransform::convert(const std::uint8_t* from, std::uint8_t* to, std::size_t pixels) const {
-    cmsDoTransform(m_transform, from, to, static_cast<cmsUInt32Number>(pixels));
+    if (m_transform) {
+        cmsDoTransform(m_transform, from, to, static_cast<cmsUInt32Number>(pixels));
+        return;
+    }
+    const auto* numbers = reinterpret_cast<const std::uint16_t*>(from);
+    if (m_output == PixelFormat::bgrx8)
+        m_matrix->convert(numbers, to, pixels);
+    else
+        m_matrix->convert(numbers, reinterpret_cast<std::uint16_t*>(to), pixels);
 }
 
 BitmapPtr converted(BitmapPtr bitmap, const ColorProfilePtr& profile, PixelFormat format,

@@ -9,6 +9,8 @@
 
 namespace kelvara {
 
+class MatrixTransform;
+
 /// Converts pixels from one colour space to another. Thread-safe; made once for a pair of spaces and
 /// kept.
 class ColorTransform {
@@ -30,11 +32,13 @@ public:
     ColorTransform& operator=(const ColorTransform&) = delete;
 
 private:
-    explicit ColorTransform(void* transform) : m_transform{transform} {}
+    ColorTransform(void* transform, std::unique_ptr<const MatrixTransform> matrix, PixelFormat output);
     static std::shared_ptr<const ColorTransform> make(const ColorProfile& source, Input input,
                                                       const ColorProfile& destination, PixelFormat output);
 
-    void* m_transform;
+    void* m_transform; // LittleCMS's; null where `m_matrix` converts
+    std::unique_ptr<const MatrixTransform> m_matrix;
+    PixelFormat m_output;
 };
 
 /// The picture in another colour space and format; itself when it is in both, and when its own space can't be
