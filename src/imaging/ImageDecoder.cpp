@@ -2,11 +2,10 @@
 
 #include "imaging/ColorTransform.h"
 #include "imaging/DisplayColorSpace.h"
+#include "imaging/Letterbox.h"
 #include "model/MediaKind.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstring>
 #include <exception>
 #include <utility>
 
@@ -25,22 +24,6 @@ template <typename Decode> BitmapPtr orNothing(Decode decode) {
     } catch (const std::exception&) {
         return nullptr;
     }
-}
-
-struct Rectangle {
-    int x, y;
-    PixelSize size;
-};
-
-BitmapPtr cut(const Bitmap& bitmap, Rectangle part) {
-    auto result = Bitmap::create(part.size, bitmap.profile(), bitmap.format());
-    if (!result) return nullptr;
-    const auto left = static_cast<std::size_t>(part.x) * bytesPerPixel(bitmap.format());
-    for (int y = 0; y < part.size.height; ++y) {
-        const auto from = bitmap.row(part.y + y).subspan(left);
-        std::memcpy(result->row(y).data(), from.data(), result->rowBytes());
-    }
-    return result;
 }
 
 BitmapPtr original(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop, Depth depth) {
@@ -81,19 +64,8 @@ BitmapPtr embeddedThumbnail(const FileURL& url, const std::stop_token& stop) {
 
 BitmapPtr cropLetterbox(BitmapPtr preview, std::optional<PixelSize> fileSize, Orientation orientation) {
     if (!preview || !fileSize || fileSize->isEmpty()) return nullptr;
-    const auto upright = orientation.applied(*fileSize);
-    const double ratio = static_cast<double>(upright.width) / upright.height;
-    const auto given = preview->size();
-    Rectangle part{0, 0, given};
-    // Half a spare pixel goes to the top or left.
-    if (static_cast<double>(given.width) / given.height < ratio) {
-        part.size.height = static_cast<int>(std::floor(given.width / ratio));
-        part.y = static_cast<int>(std::ceil((given.height - part.size.height) * 0.5));
-    } else {
-        part.size.width = static_cast<int>(std::floor(ratio * given.height));
-        part.x = static_cast<int>(std::ceil((given.width - part.size.width) * 0.5));
-    }
-    if (part.size == given) return preview;
+    const auto part = pictureInside(preview->size(), orientation.applied(*fileSize));
+    if (part.size == preview->size()) return preview;
     return cut(*preview, part);
 }
 

@@ -99,6 +99,18 @@ std::optional<std::uint32_t> TiffReader::number(const TiffDirectory& directory, 
     return all.front();
 }
 
+std::vector<std::uint32_t> TiffReader::words(const TiffDirectory& directory, std::uint16_t tag) const {
+    constexpr std::size_t size = 4;
+    const auto* entry = directory.find(tag);
+    if (!entry || valueSize(entry->type) != 1) return {};
+    const auto bytes =
+        m_data.bytes(entry->valueOffset, std::min<std::size_t>(entry->count, mostNumbers * size));
+    std::vector<std::uint32_t> result;
+    for (std::size_t at = 0; at + size <= bytes.size(); at += size)
+        result.push_back(integer(&bytes[at], size));
+    return result;
+}
+
 std::string TiffReader::text(const TiffDirectory& directory, std::uint16_t tag) const {
     const auto* entry = directory.find(tag);
     if (!entry || entry->type != 2) return {};

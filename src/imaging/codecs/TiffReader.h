@@ -40,6 +40,8 @@ public:
     [[nodiscard]] std::vector<std::uint32_t> numbers(const TiffDirectory& directory, std::uint16_t tag) const;
     [[nodiscard]] std::optional<std::uint32_t> number(const TiffDirectory& directory,
                                                       std::uint16_t tag) const;
+    /// The bytes of a tag taken as numbers of four bytes, 64 at most.
+    [[nodiscard]] std::vector<std::uint32_t> words(const TiffDirectory& directory, std::uint16_t tag) const;
     /// A text of a few characters, up to its end mark.
     [[nodiscard]] std::string text(const TiffDirectory& directory, std::uint16_t tag) const;
 

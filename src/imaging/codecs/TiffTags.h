@@ -22,6 +22,7 @@ inline constexpr std::uint16_t colorSpace = 0xA001;
 inline constexpr std::uint16_t pixelWidth = 0xA002;
 inline constexpr std::uint16_t pixelHeight = 0xA003;
 inline constexpr std::uint16_t interoperabilityDirectory = 0xA005;
+inline constexpr std::uint16_t multiPictureEntries = 0xB002; // of CIPA DC-007
 inline constexpr std::uint16_t previewColorSpace = 0xC71A;
 
 } // namespace kelvara::TiffTag
