@@ -86,7 +86,8 @@ BitmapPtr JpegSource::previewFor(int maximum, const std::stop_token& stop) const
         candidates, {}, [](const Preview& preview) { return preview.header.size.pixels(); });
     if (smallest == candidates.end()) return nullptr;
     const auto given = smallest->header.size, picture = smallest->picture.size;
-    constexpr int rounding = 2;
+    // Encoders like sides that are multiples of eight: 1616 by 1080 stands for 1616 by 1077.
+    const int rounding = std::max(2, given.longestSide() / 400);
     const bool isWhole = given.width - picture.width <= rounding && given.height - picture.height <= rounding;
     return isWhole ? decode(*smallest, maximum, m_exif.orientation, stop)
                    : withoutBars(*smallest, maximum, stop);
