@@ -10,12 +10,15 @@
 namespace kelvara {
 
 /// Where a RAW file keeps its previews, found by reading a few kilobytes of it: the directories of the
-/// formats that are TIFF within, and the fixed header of RAF.
+/// formats that are TIFF within, the boxes of CR3, and the fixed header of RAF.
 struct RawLayout {
     struct Preview {
         ByteRange jpeg;
         PixelSize size; ///< As stored.
         bool isAdobeRGB = false;
+
+        /// Empty when the bytes don't begin with a JPEG.
+        [[nodiscard]] static std::optional<Preview> read(ByteRange jpeg);
     };
 
     std::vector<Preview> previews;

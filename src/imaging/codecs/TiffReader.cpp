@@ -99,6 +99,16 @@ std::optional<std::uint32_t> TiffReader::number(const TiffDirectory& directory, 
     return all.front();
 }
 
+std::optional<PixelSize> TiffReader::size(const TiffDirectory& directory, std::uint16_t widthTag,
+                                          std::uint16_t heightTag) const {
+    constexpr std::uint32_t largest = 1U << 20;
+    const auto width = number(directory, widthTag);
+    const auto height = number(directory, heightTag);
+    if (!width || !height || *width == 0 || *height == 0 || *width > largest || *height > largest)
+        return std::nullopt;
+    return PixelSize{static_cast<int>(*width), static_cast<int>(*height)};
+}
+
 std::vector<std::uint32_t> TiffReader::words(const TiffDirectory& directory, std::uint16_t tag) const {
     constexpr std::size_t size = 4;
     const auto* entry = directory.find(tag);
