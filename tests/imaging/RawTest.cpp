@@ -285,6 +285,37 @@ TEST_F(RawTest, aFileWithoutPreviewsIsDeveloped) {
     EXPECT_FALSE(ImageDecoder::decodeOriginal(url, {}, stop.get_token()));
 }
 
+TEST_F(RawTest, missingSensorDataIsNotDeveloped) {
+    // The preview lies before the sensor data, the directories behind it; so the data's length is forged.
+    auto bytes = makeDng({256, 192}, plain({100, 75}, red));
+    const std::array<std::uint8_t, 8> entry{stripLengthTag & 0xFF, stripLengthTag >> 8, 4, 0, 1, 0, 0, 0};
+    const auto found = std::search(bytes.begin(), bytes.end(), entry.begin(), entry.end());
+    ASSERT_NE(found, bytes.end());
+    found[11] = 1; // 16 MB more than there are
+    const auto image = decode(bytes);
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->size(), (PixelSize{75, 100})) << "the preview";
+    bytes = makeDng({256, 192});
+    std::search(bytes.begin(), bytes.end(), entry.begin(), entry.end())[11] = 1;
+    EXPECT_FALSE(decode(bytes));
+
+    const auto whole = makeCr3({.thumbnail = plain({160, 120}, red), .full = plain({1200, 800}, green)});
+    const auto cut = decode({whole.begin(), whole.end() - 500}, 1000);
+    ASSERT_TRUE(cut) << "previews are decoded as far as they go";
+    EXPECT_TRUE(isNear(colorAt(*cut, 9, 9), green));
+}
+
+TEST_F(RawTest, aRawNameOnAJpegDoesNotMatter) {
+    auto recipe = quarters({600, 400});
+    recipe.exif = exifBlock(6, plain({160, 120}, black));
+    for (const auto maximum : {std::optional<int>{}, std::optional{300}}) {
+        const auto image = decode(makeJpeg(recipe), maximum);
+        ASSERT_TRUE(image);
+        EXPECT_EQ(image->height(), maximum.value_or(600));
+        EXPECT_TRUE(isNear(corners(*image)[0], blue, 20));
+    }
+}
+
 TEST_F(RawTest, aPreviewOfNineTenthsIsPreferredToDevelopment) {
     const auto side = [&](int preview, std::optional<int> request) {
         const auto image = decode(makeDng({2000, 64}, plain({preview, 52}, red)), request);

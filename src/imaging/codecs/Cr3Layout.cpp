@@ -120,14 +120,16 @@ private:
     }
 
     /// A track's first sample: of one track the full-size JPEG, of the others sensor data.
-    ByteRange sampleOf(const ByteRange& track) const {
+    ByteRange sampleOf(const ByteRange& track) {
         const auto table = boxIn(boxIn(boxIn(track, "mdia"), "minf"), "stbl");
         const auto sizes = boxIn(table, "stsz");
         const auto common = numberAt(sizes, 4, 4);
         const auto length = common > 0 ? common : numberAt(sizes, 12, 4);
         const auto wide = boxIn(table, "co64");
         const auto offset = wide.isEmpty() ? numberAt(boxIn(table, "stco"), 8, 4) : numberAt(wide, 8, 8);
-        return offset > 0 ? m_file.part(offset, length) : ByteRange{};
+        if (offset == 0) return {};
+        m_layout.isCut |= offset > m_file.size() || length > m_file.size() - offset;
+        return m_file.part(offset, length);
     }
 
     void addPreview(const ByteRange& jpeg) {

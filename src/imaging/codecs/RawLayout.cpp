@@ -48,7 +48,9 @@ private:
     }
 
     void visit(const TiffDirectory& directory) {
-        if (isRawData(directory)) {
+        if (isRawData(directory) || directory.find(TiffTag::cr2Slices)) {
+            m_layout.isCut |= endsBeyondFile(directory, TiffTag::stripOffsets, TiffTag::stripByteCounts) ||
+                              endsBeyondFile(directory, TiffTag::tileOffsets, TiffTag::tileByteCounts);
             const auto size = m_reader.size(directory, TiffTag::imageWidth, TiffTag::imageLength);
             if (size && (!m_layout.size || size->pixels() > m_layout.size->pixels())) m_layout.size = size;
         } else if (m_reader.number(directory, TiffTag::compression) != uncompressed) {
@@ -76,6 +78,12 @@ private:
     std::optional<std::uint32_t> stripLength(const TiffDirectory& directory) const {
         const auto lengths = m_reader.numbers(directory, TiffTag::stripByteCounts);
         return lengths.size() == 1 ? std::optional{lengths.front()} : std::nullopt;
+    }
+
+    bool endsBeyondFile(const TiffDirectory& directory, std::uint16_t offsets, std::uint16_t lengths) const {
+        const auto offset = m_reader.lastNumber(directory, offsets);
+        const auto length = m_reader.lastNumber(directory, lengths);
+        return offset && length && std::uint64_t{*offset} + *length > m_reader.data().size();
     }
 
     bool isRawData(const TiffDirectory& directory) const {

@@ -25,6 +25,7 @@ struct RawLayout {
     std::optional<PixelSize> size;          ///< Of the RAW image itself, as stored.
     std::optional<Orientation> orientation; ///< Of the RAW image and its previews.
     bool isAdobeRGB = false;                ///< What the camera was set to; holds for previews.
+    bool isCut = false;                     ///< Sensor data is named that lies beyond the file's end.
 
     /// All empty when the file is of another kind. Never follows a loop, and never leaves the file.
     [[nodiscard]] static RawLayout read(const ByteRange& file);

@@ -91,13 +91,14 @@ public:
 
 private:
     BitmapPtr develop(std::optional<int> maximum, PixelFormat format, const std::stop_token& stop) {
-        auto* developer = openDeveloper();
+        // LibRaw makes black or noise of what isn't there, and calls that a success.
+        auto* developer = m_layout.isCut ? nullptr : openDeveloper();
         const auto developed =
             developer ? developer->develop(maximum, format, stop) : RawDeveloper::Development{};
         m_developer.reset(); // develops once
         if (developed.bitmap && !developed.isDamaged)
             return turnedUpright(developed.bitmap, orientation(), stop);
-        // Of a file that breaks off, the camera's own preview shows more than half a development.
+        // Of a damaged file, the camera's own preview shows more than half a development.
         if (auto preview = storedPreview(maximum, stop)) return preview;
         return turnedUpright(developed.bitmap, orientation(), stop);
     }

@@ -99,6 +99,15 @@ std::optional<std::uint32_t> TiffReader::number(const TiffDirectory& directory, 
     return all.front();
 }
 
+std::optional<std::uint32_t> TiffReader::lastNumber(const TiffDirectory& directory, std::uint16_t tag) const {
+    const auto* entry = directory.find(tag);
+    const auto size = entry ? valueSize(entry->type) : 0;
+    if (size == 0 || entry->type == 2 || entry->count == 0) return std::nullopt;
+    const auto bytes = m_data.bytes(entry->valueOffset + std::uint64_t{entry->count - 1} * size, size);
+    if (bytes.empty()) return std::nullopt;
+    return integer(bytes.data(), size);
+}
+
 std::optional<PixelSize> TiffReader::size(const TiffDirectory& directory, std::uint16_t widthTag,
                                           std::uint16_t heightTag) const {
     constexpr std::uint32_t largest = 1U << 20;

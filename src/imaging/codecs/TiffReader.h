@@ -41,6 +41,9 @@ public:
     [[nodiscard]] std::vector<std::uint32_t> numbers(const TiffDirectory& directory, std::uint16_t tag) const;
     [[nodiscard]] std::optional<std::uint32_t> number(const TiffDirectory& directory,
                                                       std::uint16_t tag) const;
+    /// Of a list of any length.
+    [[nodiscard]] std::optional<std::uint32_t> lastNumber(const TiffDirectory& directory,
+                                                          std::uint16_t tag) const;
     /// Empty when a side is missing, 0 or absurd.
     [[nodiscard]] std::optional<PixelSize> size(const TiffDirectory& directory, std::uint16_t widthTag,
                                                 std::uint16_t heightTag) const;
