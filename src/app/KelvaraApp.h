@@ -9,6 +9,7 @@
 #include "platform/linux/HTTPAnalytics.h"
 #include "platform/linux/LinuxDesktop.h"
 #include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/MemoryPressure.h"
 #include "platform/linux/QtMainExecutor.h"
 #include "platform/linux/SettingsPreferences.h"
 #include "platform/linux/UDisksVolumes.h"
@@ -66,6 +67,7 @@ private:
     XMPService m_sidecars;
     CopyService m_copier;
     ImageServices m_images;
+    MemoryPressure m_memoryPressure;
     ThreadPool m_background;
     ThreadPool m_sidecarWrites;
     SideWindows m_sideWindows;
