@@ -1,5 +1,6 @@
 #include "cli/CopyCommand.h"
 #include "cli/ListCommand.h"
+#include "cli/MetadataCommand.h"
 #include "cli/RateCommand.h"
 #include "cli/RatingsCommand.h"
 #include "platform/linux/LinuxFileSystem.h"
@@ -26,6 +27,7 @@ int main(int argc, char** argv) {
     commands.push_back(std::make_unique<CopyCommand>(app, files));
     commands.push_back(std::make_unique<RateCommand>(app, files));
     commands.push_back(std::make_unique<RatingsCommand>(app, files));
+    commands.push_back(std::make_unique<MetadataCommand>(app));
 #ifdef KELVARA_CLI_VOLUMES
     commands.push_back(std::make_unique<VolumesCommand>(app));
     commands.push_back(std::make_unique<EjectCommand>(app));
