@@ -18,12 +18,14 @@ std::string dateText(std::chrono::local_seconds date, char separator) {
     const auto day = std::chrono::floor<std::chrono::days>(date);
     const std::chrono::year_month_day calendar{day};
     const std::chrono::hh_mm_ss time{date - day};
-    return fmt::format("{:04}-{:02}-{:02}{}{:02}:{:02}:{:02}", int{calendar.year()}, unsigned{calendar.month()},
-                       unsigned{calendar.day()}, separator, time.hours().count(), time.minutes().count(),
-                       time.seconds().count());
+    return fmt::format("{:04}-{:02}-{:02}{}{:02}:{:02}:{:02}", int{calendar.year()},
+                       unsigned{calendar.month()}, unsigned{calendar.day()}, separator, time.hours().count(),
+                       time.minutes().count(), time.seconds().count());
 }
 
-template <typename T> JSON orNull(const std::optional<T>& field) { return field ? JSON(*field) : JSON(nullptr); }
+template <typename T> JSON orNull(const std::optional<T>& field) {
+    return field ? JSON(*field) : JSON(nullptr);
+}
 JSON orNull(const std::string& text) { return text.empty() ? JSON(nullptr) : JSON(text); }
 
 JSON exifJSON(const ExifInfo& info) {
@@ -85,7 +87,8 @@ std::string sectionsText(const std::vector<MetadataSection>& sections) {
     for (const auto& section : sections) {
         fmt::format_to(std::back_inserter(text), "\n{}\n", printable(section.title));
         for (const auto& row : section.rows) {
-            fmt::format_to(std::back_inserter(text), "  {}: {}\n", printable(row.label), printable(row.value));
+            fmt::format_to(std::back_inserter(text), "  {}: {}\n", printable(row.label),
+                           printable(row.value));
         }
     }
     return text;

@@ -25,6 +25,17 @@ ByteRange describedPart(const ByteRange& file) {
     return layout.previews.empty() ? file : layout.previews.front().jpeg;
 }
 
+/// Of HEIF pictures, for which libheif would read most of the file. Their EXIF repeats how the container
+/// turns them.
+void takeHeifSize(const Exiv2::Image& image, LoadedMetadata& to) {
+    if (image.imageType() != Exiv2::ImageType::bmff || image.mimeType() == "image/x-canon-cr3") return;
+    if (to.exif.empty() || image.pixelWidth() <= 0 || image.pixelHeight() <= 0) return;
+    to.pixelSize = PixelSize{image.pixelWidth(), image.pixelHeight()};
+    const auto found = to.exif.findKey(Exiv2::ExifKey{"Exif.Image.Orientation"});
+    const bool isThere = found != to.exif.end() && found->count() == 1;
+    to.orientation = Orientation{isThere ? static_cast<int>(found->toLong()) : 1};
+}
+
 void readByExiv2(const ByteRange& file, LoadedMetadata& to) {
     const auto part = describedPart(file);
     const auto excerpt = TiffExcerpt::read(part);
@@ -40,6 +51,7 @@ void readByExiv2(const ByteRange& file, LoadedMetadata& to) {
     to.exif = image->exifData();
     to.iptc = image->iptcData();
     to.xmp = image->xmpData();
+    takeHeifSize(*image, to);
 }
 
 } // namespace
@@ -56,7 +68,7 @@ LoadedMetadata LoadedMetadata::of(const FileURL& url, const std::stop_token& sto
         // No format that it knows.
     }
     if (stop.stop_requested()) return result;
-    if (const auto source = ImageSource::open(url)) {
+    if (const auto source = result.pixelSize ? nullptr : ImageSource::open(url)) {
         result.pixelSize = source->pixelSize();
         result.orientation = source->orientation();
     }
