@@ -54,9 +54,9 @@ KelvaraApp::KelvaraApp(const Options& options)
 KelvaraApp::~KelvaraApp() = default;
 
 PhotoCanvases KelvaraApp::makeCanvases() {
-    auto* grid = new PhotoGridView{*m_library, m_images.thumbnails(), m_preferences};
-    auto* loupe =
-        new LoupeView{*m_library, m_images.thumbnails(), m_images.previews(), m_images.rendering(), m_main};
+    auto* grid = new PhotoGridView{*m_library, m_images.thumbnails(), m_images.metadata(), m_preferences};
+    auto* loupe = new LoupeView{*m_library,          m_images.thumbnails(), m_images.previews(),
+                                m_images.metadata(), m_images.rendering(),  m_main};
     return {.grid = grid,
             .setThumbnailSize = [grid](double side) { grid->setThumbnailSize(side); },
             .isGridLoading = [grid] { return grid->isLoading(); },
