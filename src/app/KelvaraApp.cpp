@@ -1,6 +1,7 @@
 #include "app/KelvaraApp.h"
 
 #include "views/LoupeView.h"
+#include "views/MetadataInspector.h"
 #include "views/PhotoGridView.h"
 
 #include <QApplication>
@@ -57,11 +58,14 @@ PhotoCanvases KelvaraApp::makeCanvases() {
     auto* grid = new PhotoGridView{*m_library, m_images.thumbnails(), m_images.metadata(), m_preferences};
     auto* loupe = new LoupeView{*m_library,          m_images.thumbnails(), m_images.previews(),
                                 m_images.metadata(), m_images.rendering(),  m_main};
+    auto* info = new MetadataInspector{*m_library, m_images.metadata()};
     return {.grid = grid,
             .setThumbnailSize = [grid](double side) { grid->setThumbnailSize(side); },
             .isGridLoading = [grid] { return grid->isLoading(); },
             .loupe = loupe,
-            .isLoupeLoading = [loupe] { return loupe->isLoading(); }};
+            .isLoupeLoading = [loupe] { return loupe->isLoading(); },
+            .inspector = {.info = info},
+            .isInspectorLoading = [info] { return info->isLoading(); }};
 }
 
 void KelvaraApp::openDropped(const FileURL& path) {

@@ -21,4 +21,7 @@ inline constexpr std::string_view lastSource = "lastSource";
 inline constexpr std::string_view gridThumbnailSize = "gridThumbnailSize";
 inline constexpr std::string_view gridShowsInfo = "gridShowsInfo";
 
+// The window.
+inline constexpr std::string_view inspectorWidth = "inspectorWidth";
+
 } // namespace kelvara::PreferenceKeys
