@@ -13,7 +13,8 @@ unsigned decodingThreads() { return std::clamp(std::thread::hardware_concurrency
 ImageServices::ImageServices(Executor& main)
     : m_decoding{decodingThreads()}, m_rendering{2}, m_lanes{m_decoding, decodingThreads() - 1},
       m_thumbnails{ImageExecutors{m_lanes.urgent(), m_lanes.background(), main}},
-      m_previews{ImageExecutors{m_lanes.urgent(), m_lanes.background(), main}, m_thumbnails} {}
+      m_previews{ImageExecutors{m_lanes.urgent(), m_lanes.background(), main}, m_thumbnails},
+      m_metadata{ImageExecutors{m_lanes.urgent(), m_lanes.background(), main}} {}
 
 ImageServices::~ImageServices() {
     // The threads first, because what they are at still ends in the services; but the pools stay, because the
@@ -25,6 +26,7 @@ ImageServices::~ImageServices() {
 void ImageServices::emptyCaches() {
     m_thumbnails.emptyCaches();
     m_previews.emptyCaches();
+    m_metadata.emptyCache();
 }
 
 void ImageServices::shrinkCaches() {

@@ -2,12 +2,13 @@
 
 #include "async/PriorityLanes.h"
 #include "async/ThreadPool.h"
+#include "services/MetadataService.h"
 #include "services/PreviewService.h"
 #include "services/ThumbnailService.h"
 
 namespace kelvara {
 
-/// The services that make pictures, with the threads they work on.
+/// The services that read photos, with the threads they work on.
 class ImageServices {
 public:
     /// `main` outlives it; so does nobody who holds a request.
@@ -18,6 +19,7 @@ public:
 
     [[nodiscard]] ThumbnailService& thumbnails() { return m_thumbnails; }
     [[nodiscard]] PreviewService& previews() { return m_previews; }
+    [[nodiscard]] MetadataService& metadata() { return m_metadata; }
     /// For preparing large pictures off the main thread.
     [[nodiscard]] Executor& rendering() { return m_rendering; }
     void emptyCaches();
@@ -30,6 +32,7 @@ private:
     PriorityLanes m_lanes; // into m_decoding
     ThumbnailService m_thumbnails;
     PreviewService m_previews;
+    MetadataService m_metadata;
 };
 
 } // namespace kelvara

@@ -2,8 +2,10 @@
 
 #include "services/FileScanner.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <fmt/format.h>
+#include <unistd.h>
 
 namespace kelvara::cli {
 
@@ -28,6 +30,18 @@ Result<FileURL, CommandError> resolved(const std::string& path) {
     if (path.empty()) code = std::make_error_code(std::errc::no_such_file_or_directory);
     if (code) return failure(path, code);
     return FileURL::standardized(canonical.native());
+}
+
+Result<FileURL, CommandError> readableFile(const std::string& path) {
+    auto file = resolved(path);
+    if (!file) return file;
+    std::error_code code;
+    if (::access(file->path().c_str(), R_OK) != 0) code = {errno, std::generic_category()};
+    if (code) return failure(file->path(), code);
+    if (!std::filesystem::is_regular_file(file->path(), code)) {
+        return Failure{CommandError{fmt::format("“{}” isn't a photo or video.", printable(file->name()))}};
+    }
+    return file;
 }
 
 Result<std::vector<PhotoItem>, CommandError> mediaFiles(const FileSystem& files, const FileURL& folder,

@@ -20,6 +20,9 @@ struct CommandError {
 /// The file or folder that a path on the command line means, links and ".." resolved as far as it exists.
 [[nodiscard]] Result<FileURL, CommandError> resolved(const std::string& path);
 
+/// The same for a photo or video that exists and may be read.
+[[nodiscard]] Result<FileURL, CommandError> readableFile(const std::string& path);
+
 /// The media files below a folder, in the scanner's order. Unlike the scanner alone, it fails for a folder
 /// that is missing or can't be read.
 [[nodiscard]] Result<std::vector<PhotoItem>, CommandError>

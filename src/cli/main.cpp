@@ -1,7 +1,9 @@
 #include "cli/CopyCommand.h"
 #include "cli/ListCommand.h"
+#include "cli/MetadataCommand.h"
 #include "cli/RateCommand.h"
 #include "cli/RatingsCommand.h"
+#include "cli/ThumbnailCommand.h"
 #include "platform/linux/LinuxFileSystem.h"
 #ifdef KELVARA_CLI_VOLUMES
 #include "cli/EjectCommand.h"
@@ -16,7 +18,7 @@ using namespace kelvara;
 using namespace kelvara::cli;
 
 int main(int argc, char** argv) {
-    CLI::App app{"Lists, copies and rates the photos of a memory card or folder, as Kelvara does.",
+    CLI::App app{"Lists, copies, rates and describes the photos of a memory card or folder, as Kelvara does.",
                  "kelvara-cli"};
     app.set_version_flag("--version", "kelvara-cli " KELVARA_VERSION);
     app.require_subcommand(1);
@@ -26,6 +28,8 @@ int main(int argc, char** argv) {
     commands.push_back(std::make_unique<CopyCommand>(app, files));
     commands.push_back(std::make_unique<RateCommand>(app, files));
     commands.push_back(std::make_unique<RatingsCommand>(app, files));
+    commands.push_back(std::make_unique<MetadataCommand>(app));
+    commands.push_back(std::make_unique<ThumbnailCommand>(app, files));
 #ifdef KELVARA_CLI_VOLUMES
     commands.push_back(std::make_unique<VolumesCommand>(app));
     commands.push_back(std::make_unique<EjectCommand>(app));

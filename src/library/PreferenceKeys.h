@@ -26,4 +26,7 @@ inline constexpr std::string_view shareAnonymousUsage = "shareAnonymousUsage";
 inline constexpr std::string_view cardDeleteErases = "cardDeleteErases";
 inline constexpr std::string_view shareLongEdge = "shareLongEdge";
 
+// The window.
+inline constexpr std::string_view inspectorWidth = "inspectorWidth";
+
 } // namespace kelvara::PreferenceKeys

@@ -1,20 +1,30 @@
 #include "views/LibraryContentView.h"
 
+#include "library/PreferenceKeys.h"
+#include "platform/Preferences.h"
 #include "views/EmptyStateView.h"
 #include "views/FilterBar.h"
 #include "views/GridStatusBar.h"
 #include "views/LibraryToolbar.h"
 
+#include <QSplitter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 namespace kelvara {
 
+namespace {
+constexpr int usualInspectorWidth = 296;
+constexpr int narrowestPhotos = 240;
+} // namespace
+
 LibraryContentView::LibraryContentView(LibraryViewModel& library, Preferences& preferences,
                                        PhotoCanvases canvases, QWidget* parent)
-    : Panel{&Theme::canvas, parent}, m_library{library}, m_canvases{std::move(canvases)} {
+    : Panel{&Theme::canvas, parent}, m_library{library}, m_preferences{preferences}, m_canvases{std::move(
+                                                                                         canvases)} {
     m_toolbar = new LibraryToolbar{library, preferences, this};
     m_filterBar = new FilterBar{library, this};
     m_empty = new EmptyStateView{library, this};
@@ -24,13 +34,31 @@ LibraryContentView::LibraryContentView(LibraryViewModel& library, Preferences& p
     m_stack->addWidget(m_canvases.loupe);
     m_stack->addWidget(m_empty);
 
+    auto* photos = new QWidget{this};
+    photos->setMinimumWidth(narrowestPhotos);
+    auto* middle = new QVBoxLayout{photos};
+    middle->setContentsMargins(0, 0, 0, 0);
+    middle->setSpacing(0);
+    middle->addWidget(m_filterBar);
+    middle->addWidget(m_stack, 1);
+    middle->addWidget(m_statusBar);
+
+    m_inspector = new Inspector{library, m_canvases.inspector, this};
+    m_splitter = new QSplitter{Qt::Horizontal, this};
+    m_splitter->setHandleWidth(1);
+    m_splitter->setChildrenCollapsible(false);
+    m_splitter->addWidget(photos);
+    m_splitter->addWidget(m_inspector);
+    m_splitter->setStretchFactor(0, 1);
+    m_splitter->setStretchFactor(1, 0);
+    connect(m_splitter, &QSplitter::splitterMoved, this,
+            [this] { m_preferences.setInteger(PreferenceKeys::inspectorWidth, m_inspector->width()); });
+
     auto* column = new QVBoxLayout{this};
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(m_toolbar);
-    column->addWidget(m_filterBar);
-    column->addWidget(m_stack, 1);
-    column->addWidget(m_statusBar);
+    column->addWidget(m_splitter, 1);
 
     m_canvases.setThumbnailSize(m_toolbar->thumbnailSize());
     connect(m_toolbar, &LibraryToolbar::thumbnailSizeChanged, this, m_canvases.setThumbnailSize);
@@ -40,7 +68,21 @@ LibraryContentView::LibraryContentView(LibraryViewModel& library, Preferences& p
     m_subscriptions.push_back(m_library.observe({P::viewMode}, [this](const auto&) { refresh(); }));
     m_subscriptions.push_back(
         m_library.observe({P::keyFocusRequest}, [this](const auto&) { focusPhotos(); }));
+    m_subscriptions.push_back(m_library.observe(
+        {P::showsInspector}, [this](const auto&) { m_inspector->setVisible(m_library.showsInspector()); }));
+    m_inspector->setVisible(m_library.showsInspector());
     refresh();
+}
+
+void LibraryContentView::showEvent(QShowEvent* event) {
+    Panel::showEvent(event);
+    restoreInspectorWidth();
+}
+
+void LibraryContentView::restoreInspectorWidth() {
+    const auto width =
+        static_cast<int>(m_preferences.integer(PreferenceKeys::inspectorWidth).value_or(usualInspectorWidth));
+    m_splitter->setSizes({std::max(m_splitter->width() - width, narrowestPhotos), width});
 }
 
 void LibraryContentView::refresh() {
@@ -62,6 +104,7 @@ void LibraryContentView::focusPhotos() { m_stack->currentWidget()->setFocus(Qt::
 
 bool LibraryContentView::isSettled() const {
     if (m_empty->cause() || m_library.isScanning()) return false;
+    if (m_library.showsInspector() && m_canvases.isInspectorLoading()) return false;
     return !(m_library.viewMode() == ViewMode::grid ? m_canvases.isGridLoading()
                                                     : m_canvases.isLoupeLoading());
 }

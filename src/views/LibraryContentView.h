@@ -2,9 +2,11 @@
 
 #include "library/LibraryViewModel.h"
 #include "views/Controls.h"
+#include "views/Inspector.h"
 
 #include <functional>
 
+class QSplitter;
 class QStackedWidget;
 
 namespace kelvara {
@@ -22,9 +24,12 @@ struct PhotoCanvases {
     std::function<bool()> isGridLoading;
     QWidget* loupe = nullptr;
     std::function<bool()> isLoupeLoading;
+    Inspector::Contents inspector{};
+    std::function<bool()> isInspectorLoading = [] { return false; };
 };
 
-/// Everything beside the sidebar: bars, and between them the grid, the single image, or why there is neither.
+/// Everything beside the sidebar: bars, between them the grid, the single image, or why there is neither, and
+/// the inspector.
 class LibraryContentView : public Panel {
     Q_OBJECT
 
@@ -37,15 +42,22 @@ public:
     /// Whether photos are shown and nothing that is in sight is still on its way.
     [[nodiscard]] bool isSettled() const;
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     void refresh();
+    void restoreInspectorWidth();
 
     LibraryViewModel& m_library;
+    Preferences& m_preferences;
     PhotoCanvases m_canvases;
     LibraryToolbar* m_toolbar;
     FilterBar* m_filterBar;
     EmptyStateView* m_empty;
     QStackedWidget* m_stack;
+    QSplitter* m_splitter;
+    Inspector* m_inspector;
     GridStatusBar* m_statusBar;
     std::vector<Subscription> m_subscriptions;
 };

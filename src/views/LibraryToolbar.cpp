@@ -4,6 +4,7 @@
 #include "platform/Preferences.h"
 #include "views/CopyButton.h"
 #include "views/EmptyState.h"
+#include "views/Inspector.h"
 #include "views/Symbols.h"
 
 #include <QButtonGroup>
@@ -49,6 +50,7 @@ LibraryToolbar::LibraryToolbar(LibraryViewModel& library, Preferences& preferenc
     row->addWidget(m_sizeControl);
     row->addWidget(makeViewModePicker());
     row->addWidget(new CopyButton{library, this});
+    row->addWidget(new InspectorToggles{library, this});
 
     using P = LibraryProperty;
     m_subscriptions.push_back(
@@ -132,8 +134,8 @@ void LibraryToolbar::refreshViewMode() {
 void LibraryToolbar::makeRoom() {
     // In a narrow window the slider goes first: the copy button is what everything else leads to.
     auto policy = m_sizeControl->sizePolicy();
-    const auto isNarrow = width() < 600;
-    for (auto* sign : m_sizeSigns) sign->setVisible(width() >= 760);
+    const auto isNarrow = width() < 700;
+    for (auto* sign : m_sizeSigns) sign->setVisible(width() >= 860);
     policy.setRetainSizeWhenHidden(!isNarrow);
     m_sizeControl->setSizePolicy(policy);
     m_sizeControl->setVisible(!isNarrow && m_library.viewMode() == ViewMode::grid &&

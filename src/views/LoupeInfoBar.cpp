@@ -15,7 +15,8 @@ namespace {
 constexpr int barHeight = 34;
 constexpr int starSize = 14;
 constexpr int markSize = 16;
-constexpr int roomForHelp = 1060;
+constexpr int roomForHelp = 1240;
+constexpr int roomForExposure = 560;
 
 QPixmap starsPixmap(Rating rating, qreal ratio) {
     QPixmap pixmap{(QSizeF{static_cast<qreal>(RatingStars::width(starSize)), starSize} * ratio).toSize()};
@@ -38,6 +39,7 @@ LoupeInfoBar::LoupeInfoBar(QWidget* parent) : Panel{&Theme::window, parent} {
     m_position = makeLabel(TextRole::caption, Tone::quiet, this);
     m_name = new ElidedLabel{this};
     dress(*m_name, TextRole::caption, Tone::normal);
+    m_exposure = makeLabel(TextRole::caption, Tone::quiet, this);
     m_mark = new QLabel{this};
     m_stars = new QLabel{this};
     m_busy = new BusyIndicator{14, this};
@@ -55,6 +57,8 @@ LoupeInfoBar::LoupeInfoBar(QWidget* parent) : Panel{&Theme::window, parent} {
     row->setSpacing(spacing::small);
     row->addWidget(m_position);
     row->addWidget(m_name);
+    row->addSpacing(spacing::tiny);
+    row->addWidget(m_exposure);
     row->addSpacing(spacing::tiny);
     row->addWidget(m_stars);
     row->addWidget(m_mark);
@@ -81,6 +85,7 @@ void LoupeInfoBar::refresh() {
                             : tr("%1 / %2").arg(countText(static_cast<std::int64_t>(m_content.position)),
                                                 countText(static_cast<std::int64_t>(m_content.total))));
     m_name->setText(nameText(m_content.url));
+    m_exposure->setText(m_content.exposure);
     m_stars->setPixmap(starsPixmap(m_content.rating, ratio));
     m_stars->setAccessibleName(RatingStars::text(m_content.rating));
     m_mark->setVisible(m_content.isChecked);
@@ -88,7 +93,7 @@ void LoupeInfoBar::refresh() {
     m_mark->setAccessibleName(tr("Marked"));
     m_busy->setVisible(m_content.isLoadingFullResolution);
     m_loading->setVisible(m_content.isLoadingFullResolution);
-    m_help->setVisible(m_content.zoom && width() >= roomForHelp);
+    makeRoom();
     m_zoom->setVisible(m_content.zoom.has_value());
     if (m_content.zoom) {
         const auto& [percent, isAtFit] = *m_content.zoom;
@@ -100,7 +105,12 @@ void LoupeInfoBar::refresh() {
 
 void LoupeInfoBar::resizeEvent(QResizeEvent* event) {
     Panel::resizeEvent(event);
+    makeRoom();
+}
+
+void LoupeInfoBar::makeRoom() {
     m_help->setVisible(m_content.zoom && width() >= roomForHelp);
+    m_exposure->setVisible(!m_content.exposure.isEmpty() && width() >= roomForExposure);
 }
 
 void LoupeInfoBar::changeEvent(QEvent* event) {

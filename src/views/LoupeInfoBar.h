@@ -22,6 +22,7 @@ public:
         FileURL url;
         std::size_t position = 0; ///< From 1.
         std::size_t total = 0;
+        QString exposure; ///< One line; empty when unknown.
         bool isChecked = false;
         Rating rating;
         std::optional<ZoomState> zoom; ///< Empty while it is unknown and for what doesn't zoom.
@@ -33,6 +34,7 @@ public:
     void show(const Content& content);
     using QWidget::show;
     [[nodiscard]] QString zoomText() const { return m_zoom->text(); }
+    [[nodiscard]] QString exposureText() const { return m_exposure->text(); }
     [[nodiscard]] QString positionText() const { return m_position->text(); }
 
 protected:
@@ -41,10 +43,12 @@ protected:
 
 private:
     void refresh();
+    void makeRoom();
 
     Content m_content;
     QLabel* m_position;
     ElidedLabel* m_name;
+    QLabel* m_exposure;
     QLabel* m_mark;
     QLabel* m_stars;
     BusyIndicator* m_busy;

@@ -5,6 +5,7 @@
 #include "views/LoupeInfoBar.h"
 #include "views/LoupeVideoPlayer.h"
 #include "views/Symbols.h"
+#include "views/Text.h"
 #include "views/ZoomableImageView.h"
 
 #include <QContextMenuEvent>
@@ -45,9 +46,9 @@ Size likelySize(const QImage& thumbnail, const ZoomSize& last) {
 } // namespace
 
 LoupeView::LoupeView(LibraryViewModel& library, ThumbnailService& thumbnails, PreviewService& previews,
-                     Executor& rendering, Executor& main, QWidget* parent)
-    : QWidget{parent}, m_library{library}, m_pictures{library,   thumbnails, previews,
-                                                      rendering, main,       [this] { showPicture(); }} {
+                     MetadataService& metadata, Executor& rendering, Executor& main, QWidget* parent)
+    : QWidget{parent}, m_library{library},
+      m_pictures{library, thumbnails, previews, rendering, main, [this] { showPicture(); }}, m_metadata{metadata} {
     setFocusPolicy(Qt::StrongFocus);
     makeLayout(thumbnails);
     observeLibrary();
@@ -133,8 +134,25 @@ void LoupeView::togglePlayback() {
 
 void LoupeView::follow() {
     if (!isVisible()) return;
+    loadExposure(m_library.focusedItem());
     m_pictures.load(m_library.focusedItem());
     showPicture();
+}
+
+void LoupeView::loadExposure(const PhotoItem* item) {
+    const auto url = item ? item->url : FileURL{};
+    if (url == m_exposureURL) return;
+    m_exposureURL = url;
+    m_exposure.clear();
+    m_exposureRequest = {};
+    if (!item || item->kind() == MediaKind::video) return;
+    const auto show = [this](const ExifInfo& info) { m_exposure = text(info.summaryLine()); };
+    if (const auto known = m_metadata.cachedExif(url)) return show(*known);
+    m_exposureRequest =
+        m_metadata.exif(url, MetadataService::Priority::visible, [this, show](const ExifInfo& info) {
+            show(info);
+            refreshInfo();
+        });
 }
 
 void LoupeView::showPicture() {
@@ -170,6 +188,7 @@ void LoupeView::refreshInfo() {
         content.url = item->url;
         content.position = m_library.focusedIndex().value_or(0) + 1;
         content.total = m_library.visibleItems().size();
+        content.exposure = m_exposure;
         content.isChecked = m_library.isChecked(item->url);
         content.rating = m_library.rating(item->url);
         content.isLoadingFullResolution = m_pictures.shown().isLoading && !showsVideo();
@@ -194,6 +213,7 @@ void LoupeView::showEvent(QShowEvent* event) {
 void LoupeView::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     m_pictures.load(nullptr);
+    loadExposure(nullptr);
     m_image->clear();
     m_video->open({});
 }

@@ -2,6 +2,7 @@
 
 #include "async/Executor.h"
 #include "library/LibraryViewModel.h"
+#include "services/MetadataService.h"
 #include "views/LoupePictures.h"
 
 #include <QWidget>
@@ -26,7 +27,7 @@ class LoupeView : public QWidget {
 public:
     /// `rendering` prepares large pictures for zooming; everything outlives it.
     LoupeView(LibraryViewModel& library, ThumbnailService& thumbnails, PreviewService& previews,
-              Executor& rendering, Executor& main, QWidget* parent = nullptr);
+              MetadataService& metadata, Executor& rendering, Executor& main, QWidget* parent = nullptr);
     ~LoupeView() override;
 
     /// Whether the picture is still to come in full resolution, or a thumbnail of the filmstrip.
@@ -37,6 +38,7 @@ public:
     void togglePlayback();
 
     [[nodiscard]] const ZoomableImageView& imageView() const { return *m_image; }
+    [[nodiscard]] const LoupeInfoBar& infoBar() const { return *m_info; }
     [[nodiscard]] const LoupePictures& pictures() const { return m_pictures; }
 
 signals:
@@ -55,6 +57,7 @@ private:
     [[nodiscard]] QWidget* makeCannotPreview();
     void observeLibrary();
     void follow();
+    void loadExposure(const PhotoItem* item);
     void showPicture();
     void refreshInfo();
     void refreshOverlays();
@@ -70,6 +73,10 @@ private:
     LoupeInfoBar* m_info = nullptr;
     FilmstripView* m_filmstrip = nullptr;
     LoupePictures m_pictures;
+    MetadataService& m_metadata;
+    FileURL m_exposureURL; ///< The photo that `m_exposure` belongs to.
+    QString m_exposure;
+    MetadataRequest m_exposureRequest;
     std::vector<Subscription> m_subscriptions;
 };
 

@@ -25,9 +25,10 @@ int toSide(double points) { return std::max(static_cast<int>(std::lround(points)
 } // namespace
 
 PhotoGridView::PhotoGridView(LibraryViewModel& library, ThumbnailService& thumbnails,
-                             Preferences& preferences, QWidget* parent)
+                             MetadataService& metadata, Preferences& preferences, QWidget* parent)
     : QAbstractScrollArea{parent}, m_library{library}, m_preferences{preferences}, m_service{thumbnails},
       m_thumbnails{m_service, [this](const FileURL& url) { updateCell(url); }},
+      m_exposures{metadata, [this](const FileURL& url) { updateCell(url); }},
       m_side{toSide(preferences.number(PreferenceKeys::gridThumbnailSize).value_or(usualSide))} {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -129,11 +130,15 @@ void PhotoGridView::showFocused() {
 void PhotoGridView::loadVisible() {
     const auto range = isVisible() ? visibleRange() : IndexRange{};
     m_loadedRange = range;
-    std::vector<FileURL> urls;
+    std::vector<FileURL> urls, exposed;
     urls.reserve(range.end - range.begin);
-    for (auto index = range.begin; index < range.end; ++index)
-        urls.push_back(m_library.visibleItems()[index].url);
+    for (auto index = range.begin; index < range.end; ++index) {
+        const auto& item = m_library.visibleItems()[index];
+        urls.push_back(item.url);
+        if (m_showsInfo && item.kind() && isStillImage(*item.kind())) exposed.push_back(item.url);
+    }
     m_thumbnails.show(urls, pixelSize());
+    m_exposures.show(exposed);
     m_settled.start();
 }
 
@@ -158,6 +163,7 @@ ThumbnailCellState PhotoGridView::state(std::size_t index) const {
         state.content = ThumbnailCellState::Content::unreadable;
     }
     state.name = nameText(item.url);
+    state.exposure = m_exposures[item.url];
     state.badge = text(item.url.extension()).toUpper();
     state.rating = m_library.rating(item.url);
     state.showsInfo = m_showsInfo;
@@ -222,6 +228,7 @@ void PhotoGridView::hideEvent(QHideEvent* event) {
     QAbstractScrollArea::hideEvent(event);
     unhover();
     m_thumbnails.show({}, pixelSize());
+    m_exposures.show({});
     m_loadedRange = {};
     m_settled.stop();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/LibraryViewModel.h"
+#include "views/CellExposures.h"
 #include "views/CellPainter.h"
 #include "views/CellThumbnails.h"
 #include "views/GridLayout.h"
@@ -24,14 +25,14 @@ class PhotoGridView : public QAbstractScrollArea, public PhotoCells {
 
 public:
     /// Everything outlives it.
-    PhotoGridView(LibraryViewModel& library, ThumbnailService& thumbnails, Preferences& preferences,
-                  QWidget* parent = nullptr);
+    PhotoGridView(LibraryViewModel& library, ThumbnailService& thumbnails, MetadataService& metadata,
+                  Preferences& preferences, QWidget* parent = nullptr);
     ~PhotoGridView() override;
 
     /// The side of a cell, in logical pixels. What the user looks at stays in place.
     void setThumbnailSize(double points);
-    /// Whether a visible thumbnail is still to come.
-    [[nodiscard]] bool isLoading() const { return m_thumbnails.isLoading(); }
+    /// Whether a visible thumbnail or line of text is still to come.
+    [[nodiscard]] bool isLoading() const { return m_thumbnails.isLoading() || m_exposures.isLoading(); }
     /// The pictures in memory are no longer right, as when the screen's colours changed.
     void reloadThumbnails() { m_thumbnails.reload(); }
     /// Preferences that it reads have changed.
@@ -92,6 +93,7 @@ private:
     Preferences& m_preferences;
     ThumbnailService& m_service;
     CellThumbnails m_thumbnails;
+    CellExposures m_exposures;
     CellPainter m_painter;
     GridLayout m_layout;
     int m_side;

@@ -124,6 +124,9 @@ QFont font(TextRole role) {
     case TextRole::caption:
         result.setPixelSize(body - 1);
         break;
+    case TextRole::detail:
+        result.setPixelSize(body - 2);
+        break;
     case TextRole::section:
         result.setPixelSize(body - 2);
         result.setWeight(QFont::DemiBold);

@@ -77,6 +77,7 @@ enum class TextRole {
     body,
     emphasis, ///< Body text that leads.
     caption,  ///< Status and details.
+    detail,   ///< A second line under a caption.
     section,  ///< Small headings over lists.
     badge,    ///< Letters on thumbnails.
 };

@@ -184,6 +184,25 @@ void paintStarsOnPicture(QPainter& painter, const QRect& rect, const ThumbnailCe
                        Theme::current().star, RatingStars::Empty::hidden);
 }
 
+/// As many of the values as there is room for: half a value would be a wrong one.
+QString fittedValues(QString line, const QFontMetrics& letters, int width) {
+    const auto separator = QStringLiteral(" · ");
+    while (letters.horizontalAdvance(line) > width) {
+        const auto last = line.lastIndexOf(separator);
+        if (last < 0) return {};
+        line.truncate(last);
+    }
+    return line;
+}
+
+void paintExposure(QPainter& painter, const QRect& strip, const ThumbnailCellState& state) {
+    const auto lineFont = font(TextRole::detail);
+    painter.setFont(lineFont);
+    painter.setPen(Theme::current().secondaryText);
+    painter.drawText(strip, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                     fittedValues(state.exposure, QFontMetrics{lineFont}, strip.width()));
+}
+
 void paintInfo(QPainter& painter, const QRect& rect, const ThumbnailCellState& state) {
     const auto& theme = Theme::current();
     const auto rated = state.rating.rawValue();
@@ -194,13 +213,14 @@ void paintInfo(QPainter& painter, const QRect& rect, const ThumbnailCellState& s
     const QFontMetrics letters{nameFont};
     const auto margin = spacing::small;
     const QRect strip{rect.left() + margin, rect.top() + rect.width(), rect.width() - 2 * margin,
-                      rect.height() - rect.width() - spacing::tiny};
+                      letters.height()};
     const auto starsWidth = hasStarsBesideName ? RatingStars::width(starSize, rated) : 0;
     const auto forName = strip.width() - (starsWidth > 0 ? starsWidth + spacing::tiny : 0);
     painter.setFont(nameFont);
-    painter.setPen(state.isFocused ? theme.text : theme.secondaryText);
+    painter.setPen(theme.text);
     painter.drawText(strip, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
                      letters.elidedText(state.name, Qt::ElideMiddle, forName));
+    paintExposure(painter, strip.translated(0, strip.height()), state);
     if (starsWidth == 0) return;
     RatingStars::paint(painter, {strip.right() + 1 - starsWidth, strip.center().y() - starSize / 2},
                        state.rating, starSize, theme.star, RatingStars::Empty::hidden);
@@ -212,12 +232,12 @@ bool ThumbnailCellState::looksLike(const ThumbnailCellState& other) const {
     return picture.cacheKey() == other.picture.cacheKey() && content == other.content &&
            style == other.style && rating == other.rating && showsInfo == other.showsInfo &&
            isMarked == other.isMarked && isFocused == other.isFocused && isHovered == other.isHovered &&
-           isMarkHovered == other.isMarkHovered && name == other.name;
+           isMarkHovered == other.isMarkHovered && name == other.name && exposure == other.exposure;
 }
 
 namespace ThumbnailCell {
 
-int infoHeight() { return QFontMetrics{font(TextRole::caption)}.height() + spacing::tiny + 2; }
+int infoHeight() { return 2 * QFontMetrics{font(TextRole::caption)}.height() + spacing::tiny + 2; }
 
 QRect markButton(const QRect& rect, Style style) {
     const auto margin = metrics(style).markMargin;

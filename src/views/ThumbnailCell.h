@@ -22,7 +22,8 @@ struct ThumbnailCellState {
     Content content = Content::loading;
     QImage picture; ///< Of any size, upright.
     QString name;
-    QString badge; ///< The extension: "NEF".
+    QString exposure; ///< "ƒ/2.8 · 1/250s · ISO 400", or as much as is known.
+    QString badge;    ///< The extension: "NEF".
     std::optional<MediaKind> kind;
     Rating rating;
     bool showsInfo = false;
@@ -35,7 +36,8 @@ struct ThumbnailCellState {
     [[nodiscard]] bool looksLike(const ThumbnailCellState& other) const;
 };
 
-/// Paints cells. `rect` is the whole cell in logical pixels: a square with the info strip under it.
+/// Paints cells. `rect` is the whole cell in logical pixels: a square with the info strip, two lines, under
+/// it.
 namespace ThumbnailCell {
 
 /// The height of the info strip.

@@ -132,7 +132,9 @@ Command plain(int key, ViewMode mode) {
 } // namespace
 
 KeyFocus keyFocus(const QWidget* focusWidget) {
-    if (qobject_cast<const QLineEdit*>(focusWidget) || qobject_cast<const QTextEdit*>(focusWidget) ||
+    // Text to read only is no field: the keys stay with the photos.
+    const auto* text = qobject_cast<const QTextEdit*>(focusWidget);
+    if (qobject_cast<const QLineEdit*>(focusWidget) || (text && !text->isReadOnly()) ||
         qobject_cast<const QPlainTextEdit*>(focusWidget) ||
         qobject_cast<const QAbstractSpinBox*>(focusWidget) || qobject_cast<const QComboBox*>(focusWidget)) {
         return KeyFocus::textField;

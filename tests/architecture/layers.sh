@@ -12,7 +12,7 @@ declare -A may_include=(
   [services]="imaging async model platform text"
   [library]="services async model platform text"
   [views]="library services imaging async model platform text"
-  [cli]="library services async model platform text"
+  [cli]="library services imaging async model platform text"
   [app]="views library services imaging async model platform text"
 )
 status=0

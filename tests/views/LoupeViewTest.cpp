@@ -1,4 +1,5 @@
 #include "views/LoupeView.h"
+#include "views/LoupeInfoBar.h"
 #include "views/PictureFixture.h"
 #include "views/ZoomableImageView.h"
 
@@ -15,7 +16,8 @@ protected:
     LoupeView& show() {
         open();
         m_library->toggleViewMode();
-        m_loupe = std::make_unique<LoupeView>(*m_library, m_thumbnails, m_previews, m_rendering, m_main);
+        m_loupe = std::make_unique<LoupeView>(*m_library, m_thumbnails, m_previews, m_metadata, m_rendering,
+                                              m_main);
         m_loupe->resize(400, 400);
         m_loupe->show();
         QCoreApplication::processEvents();
@@ -172,6 +174,20 @@ TEST_F(LoupeViewTest, draggingMovesAZoomedPictureOnly) {
     EXPECT_DOUBLE_EQ(image.geometry().origin().x, origin.x + 20);
     EXPECT_DOUBLE_EQ(image.geometry().origin().y, origin.y + 30);
     EXPECT_EQ(image.cursor().shape(), Qt::OpenHandCursor);
+}
+
+TEST_F(LoupeViewTest, theExposureInTheInfoBarIsThatOfTheFocusedPhoto) {
+    addPhotos(3);
+    show();
+    m_reading.runAll(); // read, but not delivered yet
+    focus(1);
+    focus(2);
+    EXPECT_EQ(m_loupe->infoBar().exposureText(), "");
+    settlePictures();
+    EXPECT_EQ(m_loupe->infoBar().exposureText(), "ISO 102");
+    EXPECT_EQ(m_metadataReads, 2); // the one in between was passed over
+    focus(0);
+    EXPECT_EQ(m_loupe->infoBar().exposureText(), "ISO 100"); // at once, as it is known
 }
 
 } // namespace kelvara

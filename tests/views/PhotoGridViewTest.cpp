@@ -15,7 +15,7 @@ protected:
     PhotoGridView& show(int photos, QSize size = {640, 500}) {
         addPhotos(photos);
         open();
-        m_grid = std::make_unique<PhotoGridView>(*m_library, m_thumbnails, m_preferences);
+        m_grid = std::make_unique<PhotoGridView>(*m_library, m_thumbnails, m_metadata, m_preferences);
         m_grid->setThumbnailSize(120);
         m_grid->resize(size);
         m_grid->show();
@@ -182,6 +182,30 @@ TEST_F(PhotoGridViewTest, assistiveToolsSeeEachPhotoAndCanMarkAndOpenIt) {
     EXPECT_EQ(list->childCount(), 1);
     EXPECT_FALSE(cell->isValid());
     EXPECT_EQ(list->indexOfChild(cell), -1);
+}
+
+TEST_F(PhotoGridViewTest, readsTheExposureOfWhatIsOnScreenAndNothingElse) {
+    auto& grid = show(200);
+    const auto onScreen = [&] {
+        return static_cast<int>(grid.visibleRange().end - grid.visibleRange().begin);
+    };
+    settlePictures();
+    EXPECT_EQ(m_metadataReads, onScreen());
+    EXPECT_FALSE(grid.isLoading());
+    // What only passed by is not read.
+    auto* bar = grid.verticalScrollBar();
+    for (const int part : {4, 3, 2, 1}) bar->setValue(bar->maximum() / part);
+    EXPECT_TRUE(grid.isLoading());
+    const auto before = m_metadataReads;
+    settlePictures();
+    EXPECT_EQ(m_metadataReads, before + onScreen());
+    // Nor what cells without text don't show.
+    const auto all = m_metadataReads;
+    m_preferences.setBoolean("gridShowsInfo", false);
+    grid.readPreferences();
+    bar->setValue(bar->maximum() / 2);
+    settlePictures();
+    EXPECT_EQ(m_metadataReads, all);
 }
 
 } // namespace kelvara

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "library/LibraryFixture.h"
+#include "services/MetadataService.h"
 #include "services/PreviewService.h"
 #include "services/ThumbnailService.h"
 
 #include <QColor>
 #include <QImage>
 #include <QString>
+
+#include <cstdlib>
 
 namespace kelvara {
 
@@ -33,14 +36,32 @@ protected:
     }
     /// Runs everything there is to do, decodes included.
     void settlePictures() {
-        while (m_decoding.runOne() || m_rendering.runOne() || m_main.runOne()) {
+        while (m_decoding.runOne() || m_reading.runOne() || m_rendering.runOne() || m_main.runOne()) {
         }
     }
     [[nodiscard]] FileURL photo(std::size_t index) const { return m_library->visibleItems()[index].url; }
 
     ManualExecutor m_decoding;
     ManualExecutor m_rendering;
+    ManualExecutor m_reading; ///< Of metadata.
+    int m_metadataReads = 0;
+    int m_dumps = 0;
     ThumbnailService m_thumbnails{ImageExecutors{m_decoding, m_decoding, m_main}};
+    /// Of each photo the ISO value says which one it is, and the dump how often one was made.
+    MetadataService m_metadata{
+        ImageExecutors{m_reading, m_reading, m_main},
+        {.exif =
+             [this](const FileURL& url, const std::stop_token&) {
+                 ++m_metadataReads;
+                 ExifInfo info;
+                 info.iso = 100 + std::atoi(std::string{url.stem().substr(1)}.c_str());
+                 return info;
+             },
+         .sections =
+             [this](const FileURL& url, const std::stop_token&) {
+                 ++m_dumps;
+                 return std::vector<MetadataSection>{{"Exif", {{"Name", std::string{url.name()}}}}};
+             }}};
     PreviewService m_previews{ImageExecutors{m_decoding, m_decoding, m_main}, m_thumbnails};
 };
 

@@ -2,6 +2,7 @@
 
 #include "imaging/AreaScaler.h"
 #include "imaging/codecs/ExifBlock.h"
+#include "imaging/codecs/Exiv2Setup.h"
 #include "imaging/codecs/JpegDecoder.h"
 #include "imaging/codecs/RawDeveloper.h"
 #include "imaging/codecs/RawLayout.h"
@@ -9,32 +10,17 @@
 #include <exiv2/exiv2.hpp>
 
 #include <exception>
-#include <mutex>
 #include <utility>
 #include <vector>
 
 namespace kelvara {
 namespace {
 
-/// Exiv2's XMP parser has tables that all threads share, and asks for a lock around them.
-void lockXmp(void*, bool isLocking) {
-    static std::mutex mutex;
-    if (isLocking)
-        mutex.lock();
-    else
-        mutex.unlock();
-}
-
 /// The preview that serves the request best among those that Exiv2 knows of; for containers that neither the
 /// locator nor LibRaw can read. It reads much of the file, so it comes last.
 std::vector<std::uint8_t> previewByExiv2(const FileURL& url, std::optional<int> maximum) {
     try {
-        static const bool isPrepared = [] {
-            Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute); // a broken file is no event here
-            Exiv2::XmpParser::initialize(lockXmp, nullptr);
-            return Exiv2::enableBMFF(true);
-        }();
-        static_cast<void>(isPrepared);
+        prepareExiv2();
         const auto image = Exiv2::ImageFactory::open(url.path());
         image->readMetadata();
         const Exiv2::PreviewManager manager{*image};

@@ -13,24 +13,22 @@ constexpr std::size_t mostDirectories = 64;
 constexpr std::uint32_t mostNumbers = 64;
 constexpr std::uint32_t mostCharacters = 64;
 
-/// Bytes of one value; 0 for types that nobody here reads.
+/// Bytes of one value by its type, from bytes and texts to double floats and directories; 0 for unknown
+/// types.
 std::size_t valueSize(std::uint16_t type) {
-    switch (type) {
-    case 1: // byte
-    case 2: // text
-    case 7: // undefined
-        return 1;
-    case 3:
-        return 2; // short
-    case 4:       // long
-    case 13:      // directory
-        return 4;
-    default:
-        return 0;
-    }
+    constexpr std::array<std::size_t, 14> sizes{0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4};
+    return type < sizes.size() ? sizes[type] : 0;
+}
+
+/// Whether values of the type are whole numbers without a sign.
+bool isUnsigned(std::uint16_t type) {
+    constexpr std::array<std::uint16_t, 5> types{1, 3, 4, 7, 13};
+    return std::ranges::find(types, type) != types.end();
 }
 
 } // namespace
+
+std::uint64_t TiffDirectory::Entry::byteCount() const { return std::uint64_t{count} * valueSize(type); }
 
 const TiffDirectory::Entry* TiffDirectory::find(std::uint16_t tag) const {
     const auto found = std::ranges::find(entries, tag, &Entry::tag);
@@ -72,7 +70,7 @@ std::optional<TiffDirectory> TiffReader::directory(std::uint64_t offset) {
         TiffDirectory::Entry entry{.tag = static_cast<std::uint16_t>(integer(bytes, 2)),
                                    .type = static_cast<std::uint16_t>(integer(bytes + 2, 2)),
                                    .count = integer(bytes + 4, 4)};
-        const bool isInside = std::uint64_t{entry.count} * valueSize(entry.type) <= 4;
+        const bool isInside = entry.byteCount() <= 4;
         entry.valueOffset = isInside ? offset + 2 + at + 8 : integer(bytes + 8, 4);
         result.entries.push_back(entry);
     }
@@ -84,8 +82,8 @@ std::optional<TiffDirectory> TiffReader::directory(std::uint64_t offset) {
 
 std::vector<std::uint32_t> TiffReader::numbers(const TiffDirectory& directory, std::uint16_t tag) const {
     const auto* entry = directory.find(tag);
-    const auto size = entry ? valueSize(entry->type) : 0;
-    if (size == 0 || entry->type == 2) return {};
+    if (!entry || !isUnsigned(entry->type)) return {};
+    const auto size = valueSize(entry->type);
     const auto count = std::min(entry->count, mostNumbers);
     const auto bytes = m_data.bytes(entry->valueOffset, count * size);
     std::vector<std::uint32_t> result;

@@ -17,6 +17,9 @@ struct TiffDirectory {
         std::uint16_t type = 0;
         std::uint32_t count = 0;
         std::uint64_t valueOffset = 0; ///< From the start of the TIFF data, also for values inside the entry.
+
+        /// Of all its values; 0 for unknown types.
+        [[nodiscard]] std::uint64_t byteCount() const;
     };
 
     std::vector<Entry> entries;
