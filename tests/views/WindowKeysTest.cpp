@@ -77,7 +77,7 @@ TEST(WindowKeysTest, theKeyThatAMenuShowsGivesItsCommand) {
             WindowCommand{static_cast<Kind>(kind)});
     }
     EXPECT_GE(shown, 12);
-    EXPECT_TRUE(menuKey(Kind::toggleMark).isEmpty()); // plain keys would not be seen to be special
+    EXPECT_TRUE(menuKey(Kind::toggleMark).isEmpty()); // S and Return, which no menu shows
 }
 
 TEST(WindowKeysTest, keysThatEditTextStayWithATextFieldAndOtherMenuKeysDoNot) {
