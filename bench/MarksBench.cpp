@@ -9,6 +9,7 @@
 #include "services/CopyService.h"
 #include "services/VolumeService.h"
 #include "services/XMPService.h"
+#include "tests/support/FakeAnalytics.h"
 #include "tests/support/FakeDesktop.h"
 
 #include <condition_variable>
@@ -87,6 +88,7 @@ struct Window {
                                                                           .copier = copier,
                                                                           .folderChooser = chooser,
                                                                           .desktop = desktop,
+                                                                          .analytics = analytics,
                                                                           .emptyImageCaches = [] {},
                                                                           .collationLocale = {}}} {}
     void open(const FileURL& source) {
@@ -103,6 +105,7 @@ struct Window {
     CopyService copier;
     FakeFolderChooser chooser;
     FakeDesktop desktop;
+    FakeAnalytics analytics;
     ThreadPool sidecarWrites{1, ThreadPool::AtEnd::finish};
     ThreadPool background{2};
     LibraryViewModel library;

@@ -3,12 +3,15 @@
 #include "views/Symbols.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QFile>
+#include <QMenu>
 #include <QPainter>
 #include <QRegularExpression>
 #include <QStyleOption>
 #include <QWidget>
 
+#include <algorithm>
 #include <memory>
 
 // A static library's resources are registered by hand. Outside the namespace, as the macro demands.
@@ -132,6 +135,17 @@ void drawCheckBox(const QStyleOption& option, QPainter& painter) {
     painter.restore();
 }
 
+void drawMenuSign(QStringView name, const QStyleOption& option, QPainter& painter) {
+    const auto& theme = Theme::current();
+    const auto& color = !(option.state & QStyle::State_Enabled) ? theme.tertiaryText
+                        : option.state & QStyle::State_Selected ? theme.onAccent
+                                                                : theme.text;
+    const auto side = std::clamp(std::min(option.rect.width(), option.rect.height()), 12, 14);
+    QRect place{0, 0, side, side};
+    place.moveCenter(option.rect.center());
+    painter.drawPixmap(place, symbol(name, side, color, painter.device()->devicePixelRatio()));
+}
+
 } // namespace
 
 ApplicationStyle::ApplicationStyle() : QProxyStyle{QStringLiteral("Fusion")} {}
@@ -139,16 +153,14 @@ ApplicationStyle::ApplicationStyle() : QProxyStyle{QStringLiteral("Fusion")} {}
 void ApplicationStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                      const QWidget* widget) const {
     if (element == PE_IndicatorCheckBox) return drawCheckBox(*option, *painter);
+    // Its box has a ring of its own.
+    if (element == PE_FrameFocusRect && qobject_cast<const QCheckBox*>(widget)) return;
     if (element == PE_IndicatorMenuCheckMark) {
-        if (!(option->state & State_On)) return;
-        const auto& theme = Theme::current();
-        const auto& color = option->state & State_Selected ? theme.onAccent : theme.text;
-        const auto side = std::min(option->rect.width(), option->rect.height());
-        QRect place{0, 0, side, side};
-        place.moveCenter(option->rect.center());
-        painter->drawPixmap(place, symbol(u"checkmark", side, color, painter->device()->devicePixelRatio()));
+        if (option->state & State_On) drawMenuSign(u"checkmark", *option, *painter);
         return;
     }
+    if (element == PE_IndicatorArrowRight && qobject_cast<const QMenu*>(widget))
+        return drawMenuSign(u"chevron.right", *option, *painter);
     QProxyStyle::drawPrimitive(element, option, painter, widget);
 }
 

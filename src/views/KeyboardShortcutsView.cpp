@@ -3,9 +3,12 @@
 #include "views/Controls.h"
 
 #include <QGridLayout>
+#include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace kelvara {
 
@@ -65,7 +68,9 @@ KeyboardShortcutsView::KeyboardShortcutsView(QWidget* mainWindow)
     auto* column = new QVBoxLayout{this};
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(area);
-    resize(area->minimumWidth(), table->sizeHint().height());
+    constexpr int decoration = 60; // of the window, and some air
+    const auto room = mainWindow->screen()->availableSize().height() - decoration;
+    resize(area->minimumWidth(), std::min(table->sizeHint().height(), room));
 }
 
 } // namespace kelvara

@@ -66,6 +66,35 @@ TEST(WindowKeysTest, zoomKeysWorkInTheSingleImageOnlyOnEveryKindOfKeyboard) {
     EXPECT_FALSE(command(Qt::Key_0, Qt::ControlModifier));
 }
 
+TEST(WindowKeysTest, theKeyThatAMenuShowsGivesItsCommand) {
+    int shown = 0;
+    for (int kind = 0; kind <= static_cast<int>(Kind::quit); ++kind) {
+        const auto keys = menuKey(static_cast<Kind>(kind));
+        if (keys.isEmpty()) continue;
+        ++shown;
+        EXPECT_EQ(
+            windowCommand(keys[0].key(), keys[0].keyboardModifiers(), KeyFocus::photos, ViewMode::loupe),
+            WindowCommand{static_cast<Kind>(kind)});
+    }
+    EXPECT_GE(shown, 12);
+    EXPECT_TRUE(menuKey(Kind::toggleMark).isEmpty()); // S and Return, which no menu shows
+}
+
+TEST(WindowKeysTest, keysThatEditTextStayWithATextFieldAndOtherMenuKeysDoNot) {
+    const auto inField = [](int key, Qt::KeyboardModifiers modifiers) {
+        return command(key, modifiers, KeyFocus::textField);
+    };
+    EXPECT_EQ(command(Qt::Key_Delete), WindowCommand{Kind::deletePhotos});
+    EXPECT_EQ(command(Qt::Key_Backspace, Qt::ControlModifier), WindowCommand{Kind::deletePhotos});
+    EXPECT_FALSE(inField(Qt::Key_Delete, Qt::NoModifier));
+    EXPECT_FALSE(inField(Qt::Key_Backspace, Qt::ControlModifier));
+    EXPECT_FALSE(inField(Qt::Key_V, Qt::ControlModifier | Qt::ShiftModifier));
+    EXPECT_EQ(inField(Qt::Key_Comma, Qt::ControlModifier), WindowCommand{Kind::showSettings});
+    // Where the slash needs Shift.
+    EXPECT_EQ(inField(Qt::Key_Slash, Qt::ControlModifier | Qt::ShiftModifier),
+              WindowCommand{Kind::showShortcuts});
+}
+
 TEST(WindowKeysTest, onlyMovingAndZoomingRepeatWhileAKeyIsHeld) {
     EXPECT_TRUE(command(Qt::Key_Right)->repeats());
     EXPECT_FALSE(command(Qt::Key_Space)->repeats());
