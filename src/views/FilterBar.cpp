@@ -17,6 +17,8 @@ namespace {
 
 QString stars(int count) { return QString{count, u'★'}; }
 
+constexpr int roomForChips = 400;
+
 QToolButton* makeMenuButton(QStringView symbolName, const QString& name, QMenu* menu, QWidget* parent) {
     auto* button = makeIconButton(symbolName, name, {}, parent);
     button->setPopupMode(QToolButton::InstantPopup);
@@ -30,7 +32,7 @@ FilterBar::FilterBar(LibraryViewModel& library, QWidget* parent)
     : Panel{&Theme::window, parent}, m_library{library} {
     setHairlines(Qt::BottomEdge);
     m_search = new SearchField{library, this};
-    m_search->setMinimumWidth(170);
+    m_search->setMinimumWidth(130);
     m_search->setMaximumWidth(260);
     makeMenus();
     makeChips();
@@ -229,6 +231,8 @@ void FilterBar::fillSortMenu() {
 void FilterBar::makeRoom() {
     const auto isNarrow = width() < 600;
     m_sortButton->setToolButtonStyle(isNarrow ? Qt::ToolButtonIconOnly : Qt::ToolButtonTextBesideIcon);
+    // The filter button's menu has them too.
+    for (auto* chip : {m_marked, m_rating}) chip->setVisible(width() >= roomForChips);
 
     // One type needs no filter; and half a row of them would tell less than none, as the menu has them all.
     int wanted = 0;

@@ -74,15 +74,15 @@ LibraryContentView::LibraryContentView(LibraryViewModel& library, Preferences& p
     refresh();
 }
 
-void LibraryContentView::showEvent(QShowEvent* event) {
-    Panel::showEvent(event);
-    restoreInspectorWidth();
+void LibraryContentView::resizeEvent(QResizeEvent* event) {
+    Panel::resizeEvent(event);
+    restoreInspectorWidth(); // what a narrow window took from it
 }
 
 void LibraryContentView::restoreInspectorWidth() {
     const auto width =
         static_cast<int>(m_preferences.integer(PreferenceKeys::inspectorWidth).value_or(usualInspectorWidth));
-    m_splitter->setSizes({std::max(m_splitter->width() - width, narrowestPhotos), width});
+    m_splitter->setSizes({std::max(this->width() - width, narrowestPhotos), width});
 }
 
 void LibraryContentView::refresh() {

@@ -43,7 +43,7 @@ public:
     [[nodiscard]] bool isSettled() const;
 
 protected:
-    void showEvent(QShowEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void refresh();

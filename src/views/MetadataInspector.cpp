@@ -13,9 +13,11 @@
 #include <QHBoxLayout>
 #include <QRegularExpression>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 namespace kelvara {
@@ -110,6 +112,12 @@ QWidget* MetadataInspector::makeForm() {
     area->setFocusPolicy(Qt::NoFocus);
     area->viewport()->setAutoFillBackground(false);
     area->setWidget(content);
+    // What the scroll bar takes is taken from the margin, so that the form doesn't jump when it appears.
+    auto* bar = area->verticalScrollBar();
+    connect(bar, &QScrollBar::rangeChanged, column, [column, bar](int, int most) {
+        const auto taken = most > 0 ? std::min(bar->sizeHint().width(), spacing::medium) : 0;
+        column->setContentsMargins(spacing::medium, spacing::small, spacing::medium - taken, spacing::large);
+    });
     content->setAutoFillBackground(false); // setWidget has turned it on
     return area;
 }
@@ -165,10 +173,10 @@ QWidget* MetadataInspector::makeDump() {
     m_disclosure->setText(tr("All Metadata"));
     m_disclosure->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_disclosure->setFont(kelvara::font(TextRole::caption));
+    m_disclosure->setObjectName(QStringLiteral("disclosure"));
     m_disclosure->setCheckable(true);
     setSymbol(*m_disclosure, symbolIcon(u"chevron.right", &Theme::secondaryText), 12);
     m_dumpState = makeLabel(TextRole::caption, Tone::quiet, whole);
-    m_dumpState->setIndent(spacing::small + 2);
     m_dump = new SelectableText{whole};
     m_dump->setAccessibleName(tr("All Metadata"));
     m_dumpState->hide();
@@ -177,8 +185,11 @@ QWidget* MetadataInspector::makeDump() {
     column->setContentsMargins({});
     column->setSpacing(spacing::small);
     column->addWidget(m_disclosure, 0, Qt::AlignLeft);
-    column->addWidget(m_dumpState);
-    column->addWidget(m_dump);
+    auto* inset = new QVBoxLayout;
+    inset->setContentsMargins(spacing::small + 2, 0, spacing::small + 2, 0);
+    inset->addWidget(m_dumpState);
+    inset->addWidget(m_dump);
+    column->addLayout(inset);
     connect(m_disclosure, &QToolButton::toggled, this, &MetadataInspector::setDumpOpen);
     return whole;
 }

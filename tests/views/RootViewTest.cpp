@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QPushButton>
 #include <QScreen>
+#include <QSplitter>
 #include <QTest>
 
 namespace kelvara {
@@ -267,6 +268,29 @@ TEST_F(RootViewTest, everyControlHasANameForAssistiveTools) {
         EXPECT_FALSE(button->accessibleName().isEmpty() && button->text().isEmpty())
             << button->metaObject()->className() << " " << button->toolTip().toStdString();
     }
+}
+
+TEST_F(RootViewTest, theInspectorComesAndGoesAndKeepsItsWidth) {
+    open({"a.jpg"}).keepSize({1400, 800});
+    QCoreApplication::processEvents();
+    auto* inspector = find<Inspector>();
+    ASSERT_TRUE(inspector->isVisible());
+    auto* splitter = qobject_cast<QSplitter*>(inspector->parentWidget());
+    splitter->setSizes({splitter->width() - 340, 340});
+    emit splitter->splitterMoved(splitter->width() - 340, 1);
+    press(Qt::Key_I);
+    EXPECT_FALSE(inspector->isVisible());
+    press(Qt::Key_E);
+    EXPECT_TRUE(inspector->isVisible());
+    const auto width = inspector->width();
+    EXPECT_NEAR(width, 340, 2);
+    m_window.reset();
+    open({"a.jpg"}).keepSize({760, 500}); // too narrow for it
+    QCoreApplication::processEvents();
+    EXPECT_LT(find<Inspector>()->width(), width);
+    m_window->keepSize({1400, 800});
+    QCoreApplication::processEvents();
+    EXPECT_NEAR(find<Inspector>()->width(), width, 2);
 }
 
 } // namespace kelvara

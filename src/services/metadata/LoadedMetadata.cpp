@@ -25,6 +25,14 @@ ByteRange describedPart(const ByteRange& file) {
     return layout.previews.empty() ? file : layout.previews.front().jpeg;
 }
 
+// The library's smart pointer is an old one.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+Exiv2::Image::AutoPtr open(const ByteRange& file) {
+    return Exiv2::ImageFactory::open(Exiv2::BasicIo::AutoPtr{new RangeIo{file}});
+}
+#pragma GCC diagnostic pop
+
 /// Of HEIF pictures, for which libheif would read most of the file. Their EXIF repeats how the container
 /// turns them.
 void takeHeifSize(const Exiv2::Image& image, LoadedMetadata& to) {
@@ -41,7 +49,7 @@ void readByExiv2(const ByteRange& file, LoadedMetadata& to) {
     const auto excerpt = TiffExcerpt::read(part);
     const auto image = excerpt ? Exiv2::ImageFactory::open(excerpt->bytes().data(),
                                                            static_cast<long>(excerpt->bytes().size()))
-                               : Exiv2::ImageFactory::open(Exiv2::BasicIo::AutoPtr{new RangeIo{part}});
+                               : open(part);
     if (!image.get()) return;
     try {
         image->readMetadata();
