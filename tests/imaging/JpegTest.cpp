@@ -68,6 +68,25 @@ TEST_F(JpegTest, fineStripesBecomeAnEvenGrey) {
         EXPECT_TRUE(isNear(colorAt(*image, x, 60), {128, 128, 128}, 26)) << x;
 }
 
+TEST_F(JpegTest, aThumbnailTakesOnlyTheFirstScansOfAProgressiveFile) {
+    JpegRecipe recipe{.size = {768, 512}, .quality = 92};
+    recipe.paint = [](int x, int y) { return painted({x / 3, (x * 7 + y * 3) % 256, y / 2}); };
+    const auto baseline = makeJpeg(recipe);
+    recipe.isProgressive = true;
+    const auto progressive = makeJpeg(recipe);
+    for (const int side : {90, 180}) {
+        const auto expected = decode(baseline, side), seen = decode(progressive, side);
+        ASSERT_TRUE(seen);
+        for (int y = 0; y < seen->height(); ++y)
+            for (int x = 0; x < seen->width(); ++x)
+                ASSERT_TRUE(isNear(colorAt(*seen, x, y), colorAt(*expected, x, y))) << side << ": " << x;
+        const auto cut =
+            decode({progressive.begin(), progressive.end() - std::ptrdiff_t(progressive.size() / 4)}, side);
+        ASSERT_TRUE(cut);
+        EXPECT_TRUE(std::equal(seen->data(), seen->data() + seen->byteCount(), cut->data())) << side;
+    }
+}
+
 TEST_F(JpegTest, readsGreyAndInks) {
     JpegRecipe grey{.components = 1};
     grey.paint = [](int, int) { return std::array<std::uint8_t, 4>{77}; };
