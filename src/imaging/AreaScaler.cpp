@@ -4,23 +4,36 @@
 #include <cmath>
 #include <cstddef>
 #include <cstring>
-#include <optional>
+#include <limits>
 #include <span>
 #include <utility>
+#include <vector>
 
 namespace kelvara {
 namespace {
 
-// Fixed point: a row scaled across keeps 8 bits below the point, so that the sums of both directions fit 32
-// bits.
+// Fixed point: a row scaled across keeps 8 bits below the point, so that the sums of both directions of 8-bit
+// samples fit 32 bits.
 constexpr unsigned weightBits = 14;
 constexpr std::uint32_t weightOne = 1U << weightBits;
 constexpr unsigned acrossShift = weightBits - 8;
 constexpr unsigned resultShift = weightBits + 8;
 
-} // namespace
+/// The source pixels that each result pixel covers along one axis.
+struct Axis {
+    struct Cover {
+        int first;
+        int count;
+        std::size_t weights; ///< Index of the first one's weight; those of a cover sum to one.
+    };
 
-AreaScaler::Axis::Axis(int from, int to) {
+    Axis(int from, int to);
+
+    std::vector<Cover> covers;
+    std::vector<std::uint32_t> weights;
+};
+
+Axis::Axis(int from, int to) {
     const double step = static_cast<double>(from) / to;
     for (int i = 0; i < to; ++i) {
         const double begin = i * step;
@@ -40,27 +53,52 @@ AreaScaler::Axis::Axis(int from, int to) {
     }
 }
 
-AreaScaler::AreaScaler(PixelSize from, Bitmap& to)
-    : m_to{to}, m_columns{from.width, to.width()}, m_rows{from.height, to.height()},
-      m_across(static_cast<std::size_t>(to.width()) * 4), m_sums(m_across.size()) {}
+class AreaScaler {
+public:
+    virtual ~AreaScaler() = default;
+    /// The next source row from the top. Rows beyond the last count for nothing.
+    virtual void addRow(const std::uint8_t* row) = 0;
+};
 
-void AreaScaler::addRow(const std::uint8_t* row) {
+/// `Sum` holds a sample with the bits of both directions' weights.
+template <typename Sample, typename Sum> class SampleScaler : public AreaScaler {
+public:
+    SampleScaler(PixelSize from, Bitmap& to)
+        : m_to{to}, m_columns{from.width, to.width()}, m_rows{from.height, to.height()},
+          m_across(static_cast<std::size_t>(to.width()) * 4), m_sums(m_across.size()) {}
+
+    void addRow(const std::uint8_t* row) override;
+
+private:
+    void scaleAcross(const Sample* row);
+    void finishRow();
+
+    Bitmap& m_to;
+    Axis m_columns;
+    Axis m_rows;
+    std::vector<std::uint32_t> m_across; // one source row scaled across
+    std::vector<Sum> m_sums;             // the result row being collected
+    int m_nextRow = 0;
+    int m_resultRow = 0;
+};
+
+template <typename Sample, typename Sum> void SampleScaler<Sample, Sum>::addRow(const std::uint8_t* row) {
     if (m_resultRow == m_to.height()) return;
-    scaleAcross(row);
+    scaleAcross(reinterpret_cast<const Sample*>(row));
     // A source row at the border of two result rows counts for both.
     while (m_resultRow < m_to.height()) {
         const auto& cover = m_rows.covers[static_cast<std::size_t>(m_resultRow)];
         if (m_nextRow < cover.first) break;
         const int index = m_nextRow - cover.first;
         const auto weight = m_rows.weights[cover.weights + static_cast<std::size_t>(index)];
-        for (std::size_t i = 0; i < m_sums.size(); ++i) m_sums[i] += m_across[i] * weight;
+        for (std::size_t i = 0; i < m_sums.size(); ++i) m_sums[i] += Sum{m_across[i]} * weight;
         if (index + 1 < cover.count) break;
         finishRow();
     }
     ++m_nextRow;
 }
 
-void AreaScaler::scaleAcross(const std::uint8_t* row) {
+template <typename Sample, typename Sum> void SampleScaler<Sample, Sum>::scaleAcross(const Sample* row) {
     auto* to = m_across.data();
     const auto* weight = m_columns.weights.data(); // those of all covers follow each other
     for (const auto& cover : m_columns.covers) {
@@ -74,31 +112,40 @@ void AreaScaler::scaleAcross(const std::uint8_t* row) {
         to[0] = blue >> acrossShift;
         to[1] = green >> acrossShift;
         to[2] = red >> acrossShift;
-        to[3] = 255U << 8;
+        to[3] = std::uint32_t{std::numeric_limits<Sample>::max()} << 8;
         to += 4;
     }
 }
 
-void AreaScaler::finishRow() {
-    const auto row = m_to.row(m_resultRow++);
-    constexpr std::uint32_t half = 1U << (resultShift - 1);
-    for (std::size_t i = 0; i < row.size(); ++i)
-        row[i] = static_cast<std::uint8_t>((m_sums[i] + half) >> resultShift);
-    std::fill(m_sums.begin(), m_sums.end(), 0U);
+template <typename Sample, typename Sum> void SampleScaler<Sample, Sum>::finishRow() {
+    auto* row = reinterpret_cast<Sample*>(m_to.row(m_resultRow++).data());
+    constexpr Sum half = Sum{1} << (resultShift - 1);
+    for (std::size_t i = 0; i < m_sums.size(); ++i)
+        row[i] = static_cast<Sample>((m_sums[i] + half) >> resultShift);
+    std::fill(m_sums.begin(), m_sums.end(), Sum{0});
 }
+
+std::unique_ptr<AreaScaler> makeScaler(PixelSize from, Bitmap& to) {
+    if (to.format() == PixelFormat::bgrx8)
+        return std::make_unique<SampleScaler<std::uint8_t, std::uint32_t>>(from, to);
+    return std::make_unique<SampleScaler<std::uint16_t, std::uint64_t>>(from, to);
+}
+
+} // namespace
 
 std::unique_ptr<Bitmap> collectRows(PixelSize given, PixelSize wanted, ColorProfilePtr profile,
                                     const std::stop_token& stop,
-                                    const std::function<bool(int y, std::uint8_t* row)>& readRow) {
+                                    const std::function<bool(int y, std::uint8_t* row)>& readRow,
+                                    PixelFormat format) {
     constexpr std::uint8_t missing = 128;
-    auto result = Bitmap::create(wanted, std::move(profile));
+    auto result = Bitmap::create(wanted, std::move(profile), format);
     if (!result) return nullptr;
     const bool isScaled = given != wanted;
-    std::optional<AreaScaler> scaler;
+    std::unique_ptr<AreaScaler> scaler;
     std::vector<std::uint8_t> line;
     if (isScaled) {
-        scaler.emplace(given, *result);
-        line.resize(static_cast<std::size_t>(given.width) * 4);
+        scaler = makeScaler(given, *result);
+        line.resize(static_cast<std::size_t>(given.width) * bytesPerPixel(format));
     }
     bool hasEnded = false;
     for (int y = 0; y < given.height; ++y) {
@@ -120,7 +167,8 @@ BitmapPtr scaledDown(BitmapPtr bitmap, int maximum) {
         std::memcpy(row, bitmap->row(y).data(), bitmap->rowBytes());
         return true;
     };
-    return collectRows(bitmap->size(), bitmap->size().fittedTo(maximum), bitmap->profile(), {}, copyRow);
+    return collectRows(bitmap->size(), bitmap->size().fittedTo(maximum), bitmap->profile(), {}, copyRow,
+                       bitmap->format());
 }
 
 } // namespace kelvara

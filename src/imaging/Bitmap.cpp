@@ -65,17 +65,31 @@ PixelSize PixelSize::fittedTo(int maximum) const {
     return {scaled(width), scaled(height)};
 }
 
-Bitmap::Bitmap(PixelSize size, ColorProfilePtr profile)
-    : m_size{size}, m_rowBytes{static_cast<std::size_t>(size.width) * 4}, m_profile{std::move(profile)} {}
+Bitmap::Bitmap(PixelSize size, ColorProfilePtr profile, PixelFormat format)
+    : m_size{size}, m_format{format},
+      m_rowBytes{static_cast<std::size_t>(size.width) * bytesPerPixel(format)}, m_profile{
+                                                                                    std::move(profile)} {}
 
 Bitmap::~Bitmap() { pixelBlocks().giveBack(m_data, byteCount()); }
 
-std::unique_ptr<Bitmap> Bitmap::create(PixelSize size, ColorProfilePtr profile) {
+std::unique_ptr<Bitmap> Bitmap::create(PixelSize size, ColorProfilePtr profile, PixelFormat format) {
     if (size.isEmpty() || size.pixels() > maximumPixels) return nullptr;
-    std::unique_ptr<Bitmap> bitmap{new Bitmap{size, std::move(profile)}};
+    std::unique_ptr<Bitmap> bitmap{new Bitmap{size, std::move(profile), format}};
     bitmap->m_data = static_cast<std::uint8_t*>(pixelBlocks().take(bitmap->byteCount()));
     if (!bitmap->m_data) return nullptr;
     return bitmap;
+}
+
+BitmapPtr widened(BitmapPtr bitmap) {
+    if (!bitmap || bitmap->format() == PixelFormat::bgrx16) return bitmap;
+    auto result = Bitmap::create(bitmap->size(), bitmap->profile(), PixelFormat::bgrx16);
+    if (!result) return nullptr;
+    for (int y = 0; y < bitmap->height(); ++y) {
+        // 257 takes 255 to 65535.
+        std::ranges::transform(bitmap->row(y), result->row16(y).begin(),
+                               [](unsigned value) { return static_cast<std::uint16_t>(value * 257); });
+    }
+    return result;
 }
 
 } // namespace kelvara

@@ -1,6 +1,7 @@
 #include "imaging/ColorProfile.h"
 
-#include <lcms2.h>
+#include "imaging/HighDynamicRange.h"
+#include "imaging/Lcms.h"
 
 #include <algorithm>
 #include <array>
@@ -12,16 +13,6 @@
 
 namespace kelvara {
 namespace {
-
-struct CloseProfile {
-    void operator()(void* profile) const { cmsCloseProfile(profile); }
-};
-using ProfileHandle = std::unique_ptr<void, CloseProfile>;
-
-struct FreeCurve {
-    void operator()(cmsToneCurve* curve) const { cmsFreeToneCurve(curve); }
-};
-using Curve = std::unique_ptr<cmsToneCurve, FreeCurve>;
 
 /// IEC 61966-2-1.
 Curve sRGBCurve() {
@@ -38,11 +29,76 @@ std::vector<std::uint8_t> serialised(cmsHPROFILE profile) {
     return icc;
 }
 
-std::vector<std::uint8_t> rgbProfile(const cmsCIExyYTRIPLE& primaries, cmsToneCurve* curve) {
-    const cmsCIExyY d65{0.3127, 0.3290, 1.0};
+std::vector<std::uint8_t> rgbProfile(const Primaries& primaries, cmsToneCurve* curve) {
+    const auto chromaticity = [](Primaries::Point point) { return cmsCIExyY{point.x, point.y, 1}; };
+    const auto white = chromaticity(primaries.white);
+    const cmsCIExyYTRIPLE corners{chromaticity(primaries.red), chromaticity(primaries.green),
+                                  chromaticity(primaries.blue)};
     std::array<cmsToneCurve*, 3> curves{curve, curve, curve};
-    const ProfileHandle profile{cmsCreateRGBProfile(&d65, &primaries, curves.data())};
+    const ProfileHandle profile{curve ? cmsCreateRGBProfile(&white, &corners, curves.data()) : nullptr};
     return profile ? serialised(profile.get()) : std::vector<std::uint8_t>{};
+}
+
+constexpr Primaries::Point d65{0.3127, 0.3290};
+constexpr Primaries displayP3Primaries{d65, {0.680, 0.320}, {0.265, 0.690}, {0.150, 0.060}};
+
+/// By the code points of ITU-T H.273, table 2.
+std::optional<Primaries> primariesOf(int code) {
+    switch (code) {
+    case 1: // ITU-R BT.709
+    case 2: // not said
+        return Primaries::sRGB;
+    case 5: // ITU-R BT.601, 625 lines
+        return Primaries{d65, {0.640, 0.330}, {0.290, 0.600}, {0.150, 0.060}};
+    case 6: // ITU-R BT.601, 525 lines
+    case 7: // SMPTE ST 240
+        return Primaries{d65, {0.630, 0.340}, {0.310, 0.595}, {0.155, 0.070}};
+    case 9: // ITU-R BT.2020 and BT.2100
+        return Primaries{d65, {0.708, 0.292}, {0.170, 0.797}, {0.131, 0.046}};
+    case 11: // SMPTE RP 431-2
+        return Primaries{
+            {0.314, 0.351}, displayP3Primaries.red, displayP3Primaries.green, displayP3Primaries.blue};
+    case 12: // SMPTE EG 432-1
+        return displayP3Primaries;
+    default:
+        return std::nullopt;
+    }
+}
+
+/// Enough steps for PQ, which packs all darkness into its first few.
+Curve sampledCurve(double (*light)(double signal)) {
+    constexpr std::size_t steps = 4096;
+    std::vector<cmsUInt16Number> table(steps);
+    for (std::size_t i = 0; i < steps; ++i)
+        table[i] =
+            static_cast<cmsUInt16Number>(std::lround(light(static_cast<double>(i) / (steps - 1)) * 65535));
+    return Curve{cmsBuildTabulatedToneCurve16(nullptr, steps, table.data())};
+}
+
+/// By the code points of ITU-T H.273, table 3.
+Curve transferOf(int code) {
+    switch (code) {
+    case 4:
+        return Curve{cmsBuildGamma(nullptr, 2.2)};
+    case 5:
+        return Curve{cmsBuildGamma(nullptr, 2.8)};
+    case 8:
+        return Curve{cmsBuildGamma(nullptr, 1.0)};
+    case 1: // BT.709 and its kin tell how cameras encode; pictures made so are meant for screens like
+    case 2: // sRGB's. Not said.
+    case 6:
+    case 7:
+    case 13: // IEC 61966-2-1
+    case 14:
+    case 15:
+        return sRGBCurve();
+    case 16:
+        return sampledCurve(HighDynamicRange::screenLightOfPQ);
+    case 18:
+        return sampledCurve(HighDynamicRange::screenLightOfHLG);
+    default:
+        return nullptr;
+    }
 }
 
 // The creation date of an ICC header.
@@ -81,8 +137,6 @@ std::optional<ColorProfile::Model> usableModel(cmsHPROFILE profile) {
     const auto device = cmsGetDeviceClass(profile);
     if (device == cmsSigLinkClass || device == cmsSigNamedColorClass) return std::nullopt;
     switch (cmsGetColorSpace(profile)) {
-    case cmsSigGrayData:
-        return ColorProfile::Model::grey;
     case cmsSigRgbData:
         return ColorProfile::Model::rgb;
     case cmsSigCmykData:
@@ -93,6 +147,8 @@ std::optional<ColorProfile::Model> usableModel(cmsHPROFILE profile) {
 }
 
 } // namespace
+
+const Primaries Primaries::sRGB{d65, {0.64, 0.33}, {0.30, 0.60}, {0.15, 0.06}};
 
 ColorProfile::ColorProfile(std::vector<std::uint8_t> icc, Model model)
     : m_icc{std::move(icc)}, m_model{model} {
@@ -108,23 +164,21 @@ bool operator==(const ColorProfile& a, const ColorProfile& b) {
 
 ColorProfilePtr ColorProfile::sRGB() {
     static const ColorProfilePtr profile{[] {
-        const cmsCIExyYTRIPLE primaries{{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
-        return new ColorProfile{rgbProfile(primaries, sRGBCurve().get()), Model::rgb};
+        return new ColorProfile{rgbProfile(Primaries::sRGB, sRGBCurve().get()), Model::rgb};
     }()};
     return profile;
 }
 
 ColorProfilePtr ColorProfile::displayP3() {
     static const ColorProfilePtr profile{[] {
-        const cmsCIExyYTRIPLE primaries{{0.680, 0.320, 1}, {0.265, 0.690, 1}, {0.150, 0.060, 1}};
-        return new ColorProfile{rgbProfile(primaries, sRGBCurve().get()), Model::rgb};
+        return new ColorProfile{rgbProfile(displayP3Primaries, sRGBCurve().get()), Model::rgb};
     }()};
     return profile;
 }
 
 ColorProfilePtr ColorProfile::adobeRGB() {
     static const ColorProfilePtr profile{[] {
-        const cmsCIExyYTRIPLE primaries{{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}};
+        const Primaries primaries{d65, {0.64, 0.33}, {0.21, 0.71}, {0.15, 0.06}};
         const Curve gamma{cmsBuildGamma(nullptr, 563.0 / 256)};
         return new ColorProfile{rgbProfile(primaries, gamma.get()), Model::rgb};
     }()};
@@ -135,10 +189,25 @@ ColorProfilePtr ColorProfile::fromIcc(std::span<const std::uint8_t> icc) {
     if (icc.size() < headerSize || icc.size() > (std::size_t{64} << 20)) return nullptr;
     const ProfileHandle profile{cmsOpenProfileFromMem(icc.data(), static_cast<cmsUInt32Number>(icc.size()))};
     if (!profile) return nullptr;
+    if (cmsGetColorSpace(profile.get()) == cmsSigGrayData) {
+        auto* curve = static_cast<cmsToneCurve*>(cmsReadTag(profile.get(), cmsSigGrayTRCTag));
+        return fromIcc(rgbProfile(Primaries::sRGB, curve));
+    }
     const auto model = usableModel(profile.get());
     if (!model) return nullptr;
     if (*model == Model::rgb && describesSRGB(profile.get())) return sRGB();
     return ColorProfilePtr{new ColorProfile{{icc.begin(), icc.end()}, *model}};
+}
+
+ColorProfilePtr ColorProfile::fromCodePoints(int primaries, int transfer) {
+    const auto corners = primariesOf(primaries);
+    const auto curve = transferOf(transfer);
+    return corners && curve ? fromIcc(rgbProfile(*corners, curve.get())) : nullptr;
+}
+
+ColorProfilePtr ColorProfile::fromGamma(const Primaries& primaries, double gamma) {
+    const Curve curve{cmsBuildGamma(nullptr, gamma)};
+    return fromIcc(rgbProfile(primaries, curve.get()));
 }
 
 } // namespace kelvara

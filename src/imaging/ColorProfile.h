@@ -11,11 +11,21 @@ class ColorProfile;
 /// Immutable and shared; never null where a profile is required.
 using ColorProfilePtr = std::shared_ptr<const ColorProfile>;
 
+/// The corners of a colour space, by their CIE 1931 chromaticities.
+struct Primaries {
+    struct Point {
+        double x, y;
+    };
+    Point white, red, green, blue;
+
+    static const Primaries sRGB; ///< ITU-R BT.709.
+};
+
 /// What the numbers of an image mean: an ICC profile, kept as its bytes. Thread-safe, as nothing in it
 /// changes.
 class ColorProfile {
 public:
-    enum class Model { grey, rgb, cmyk };
+    enum class Model { rgb, cmyk };
 
     /// The common spaces; each call gives the same object.
     [[nodiscard]] static ColorProfilePtr sRGB();
@@ -23,8 +33,15 @@ public:
     [[nodiscard]] static ColorProfilePtr adobeRGB();
 
     /// Null when the bytes are no profile of an input or display device. A profile that describes sRGB to
-    /// within rounding gives `sRGB()` itself, so that images in it need no conversion.
+    /// within rounding gives `sRGB()` itself, so that images in it need no conversion. One for shades of grey
+    /// gives the RGB profile in which equal parts are those shades.
     [[nodiscard]] static ColorProfilePtr fromIcc(std::span<const std::uint8_t> icc);
+    /// The space of a picture that names it by the code points of ITU-T H.273, as films, HEIF and AVIF do.
+    /// High dynamic range is mapped to what a screen shows: diffuse white becomes a light grey, highlights up
+    /// to 1000 cd/m2 lie between it and white. Null for code points without meaning.
+    [[nodiscard]] static ColorProfilePtr fromCodePoints(int primaries, int transfer);
+    /// Light as a power of the stored number. Null when the primaries span no space.
+    [[nodiscard]] static ColorProfilePtr fromGamma(const Primaries& primaries, double gamma);
 
     [[nodiscard]] const std::vector<std::uint8_t>& icc() const { return m_icc; }
     [[nodiscard]] Model model() const { return m_model; }

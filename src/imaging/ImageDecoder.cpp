@@ -2,12 +2,12 @@
 
 #include "imaging/ColorTransform.h"
 #include "imaging/DisplayColorSpace.h"
+#include "imaging/Letterbox.h"
 #include "model/MediaKind.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstring>
 #include <exception>
+#include <utility>
 
 namespace kelvara::ImageDecoder {
 namespace {
@@ -26,22 +26,7 @@ template <typename Decode> BitmapPtr orNothing(Decode decode) {
     }
 }
 
-struct Rectangle {
-    int x, y;
-    PixelSize size;
-};
-
-BitmapPtr cut(const Bitmap& bitmap, Rectangle part) {
-    auto result = Bitmap::create(part.size, bitmap.profile());
-    if (!result) return nullptr;
-    for (int y = 0; y < part.size.height; ++y) {
-        const auto from = bitmap.row(part.y + y).subspan(static_cast<std::size_t>(part.x) * 4);
-        std::memcpy(result->row(y).data(), from.data(), result->rowBytes());
-    }
-    return result;
-}
-
-BitmapPtr original(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop) {
+BitmapPtr original(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop, Depth depth) {
     if (maximum && *maximum < 1) return nullptr;
     const auto source = ImageSource::open(url);
     if (!source) return nullptr;
@@ -54,7 +39,7 @@ BitmapPtr original(const FileURL& url, std::optional<int> maximum, const std::st
             return preview;
     }
     if (stop.stop_requested()) return nullptr;
-    return source->image(target, stop);
+    return depth == Depth::full ? source->deepImage(target, stop) : source->image(target, stop);
 }
 
 BitmapPtr storedThumbnail(const FileURL& url, const std::stop_token& stop) {
@@ -68,8 +53,9 @@ BitmapPtr storedThumbnail(const FileURL& url, const std::stop_token& stop) {
 
 } // namespace
 
-BitmapPtr decodeOriginal(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop) {
-    return orNothing([&] { return original(url, maximum, stop); });
+BitmapPtr decodeOriginal(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop,
+                         Depth depth) {
+    return orNothing([&] { return original(url, maximum, stop, depth); });
 }
 
 BitmapPtr embeddedThumbnail(const FileURL& url, const std::stop_token& stop) {
@@ -78,37 +64,13 @@ BitmapPtr embeddedThumbnail(const FileURL& url, const std::stop_token& stop) {
 
 BitmapPtr cropLetterbox(BitmapPtr preview, std::optional<PixelSize> fileSize, Orientation orientation) {
     if (!preview || !fileSize || fileSize->isEmpty()) return nullptr;
-    const auto upright = orientation.applied(*fileSize);
-    const double ratio = static_cast<double>(upright.width) / upright.height;
-    const auto given = preview->size();
-    Rectangle part{0, 0, given};
-    // Half a spare pixel goes to the top or left.
-    if (static_cast<double>(given.width) / given.height < ratio) {
-        part.size.height = static_cast<int>(std::floor(given.width / ratio));
-        part.y = static_cast<int>(std::ceil((given.height - part.size.height) * 0.5));
-    } else {
-        part.size.width = static_cast<int>(std::floor(ratio * given.height));
-        part.x = static_cast<int>(std::ceil((given.width - part.size.width) * 0.5));
-    }
-    if (part.size == given) return preview;
+    const auto part = pictureInside(preview->size(), orientation.applied(*fileSize));
+    if (part.size == preview->size()) return preview;
     return cut(*preview, part);
 }
 
 BitmapPtr prepareForDisplay(BitmapPtr bitmap, const std::stop_token& stop) {
-    const auto display = DisplayColorSpace::current();
-    if (!bitmap || *bitmap->profile() == *display) return bitmap;
-    const auto transform = ColorTransform::between(bitmap->profile(), ColorTransform::Input::bgrx, display);
-    if (!transform) return bitmap; // better in slightly wrong colours than not at all
-    auto result = Bitmap::create(bitmap->size(), display);
-    if (!result) return nullptr;
-    for (int y = 0; y < bitmap->height(); ++y) {
-        if (stop.stop_requested()) return nullptr;
-        auto* row = result->row(y).data();
-        transform->convert(bitmap->row(y).data(), row, static_cast<std::size_t>(bitmap->width()));
-        // The transform leaves the fourth byte alone, which is still undefined.
-        for (int x = 0; x < bitmap->width(); ++x) row[static_cast<std::size_t>(x) * 4 + 3] = 255;
-    }
-    return result;
+    return converted(std::move(bitmap), DisplayColorSpace::current(), PixelFormat::bgrx8, stop);
 }
 
 } // namespace kelvara::ImageDecoder

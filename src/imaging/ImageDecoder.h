@@ -13,8 +13,9 @@ namespace kelvara::ImageDecoder {
 
 /// The best bitmap whose longest side is at most `maximum`, or the file's own size. A RAW file's preview is
 /// taken when it has at least nine tenths of the wanted size, as developing the RAW takes many times longer.
+/// For the screen eight bits are enough.
 [[nodiscard]] BitmapPtr decodeOriginal(const FileURL& url, std::optional<int> maximum,
-                                       const std::stop_token& stop);
+                                       const std::stop_token& stop, Depth depth = Depth::eight);
 
 /// The preview stored in the file, at most 512 pixels, without the black bars that it may have, prepared for
 /// display. Never decodes the full image; null for RAW files, whose previews `decodeOriginal` uses.

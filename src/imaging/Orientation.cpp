@@ -37,28 +37,39 @@ Walk walk(Orientation orientation, PixelSize source) {
     }
 }
 
+/// In squares, because a quarter turn walks the source down its columns: a square's lines stay in the cache.
+template <std::size_t pixelBytes>
+bool turn(const Bitmap& source, Bitmap& result, const Walk& path, const std::stop_token& stop) {
+    constexpr std::ptrdiff_t step = pixelBytes;
+    constexpr int side = 64;
+    for (int top = 0; top < result.height(); top += side) {
+        if (stop.stop_requested()) return false;
+        const int bottom = std::min(top + side, result.height());
+        for (int left = 0; left < result.width(); left += side) {
+            const int end = std::min(left + side, result.width());
+            for (int y = top; y < bottom; ++y) {
+                auto* to = result.row(y).data() + left * step;
+                const auto* from = source.data() + (path.start + y * path.down + left * path.right) * step;
+                for (int x = left; x < end; ++x, to += step, from += path.right * step)
+                    std::memcpy(to, from, pixelBytes);
+            }
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 BitmapPtr turnedUpright(BitmapPtr bitmap, Orientation orientation, const std::stop_token& stop) {
     if (!bitmap || orientation.isUpright()) return bitmap;
-    auto result = Bitmap::create(orientation.applied(bitmap->size()), bitmap->profile());
+    const auto format = bitmap->format();
+    auto result = Bitmap::create(orientation.applied(bitmap->size()), bitmap->profile(), format);
     if (!result) return nullptr;
     const auto path = walk(orientation, bitmap->size());
-    // In squares, because a quarter turn walks the source down its columns: a square's lines stay in the
-    // cache.
-    constexpr int side = 64;
-    for (int top = 0; top < result->height(); top += side) {
-        if (stop.stop_requested()) return nullptr;
-        const int bottom = std::min(top + side, result->height());
-        for (int left = 0; left < result->width(); left += side) {
-            const int end = std::min(left + side, result->width());
-            for (int y = top; y < bottom; ++y) {
-                auto* to = result->row(y).data() + static_cast<std::size_t>(left) * 4;
-                const auto* from = bitmap->data() + (path.start + y * path.down + left * path.right) * 4;
-                for (int x = left; x < end; ++x, to += 4, from += path.right * 4) std::memcpy(to, from, 4);
-            }
-        }
-    }
+    const bool isWhole = format == PixelFormat::bgrx8
+                             ? turn<bytesPerPixel(PixelFormat::bgrx8)>(*bitmap, *result, path, stop)
+                             : turn<bytesPerPixel(PixelFormat::bgrx16)>(*bitmap, *result, path, stop);
+    if (!isWhole) return nullptr;
     return result;
 }
 

@@ -173,6 +173,109 @@ TEST_F(JpegTest, theStoredThumbnailLosesItsBars) {
     EXPECT_FALSE(quick(makeJpeg(quarters({300, 200}))));
 }
 
+constexpr std::uint32_t fullHdThumbnail = 0x010002, vgaThumbnail = 0x010001, panorama = 0x020001,
+                        otherView = 0x020003;
+
+struct StoredPicture {
+    std::uint32_t kind;
+    Bytes jpeg;
+};
+
+/// The photo with pictures behind it, and the segment that tells of them.
+Bytes withPictures(const Bytes& photo, const std::vector<StoredPicture>& pictures) {
+    constexpr std::uint32_t longUndefined = 7;
+    const auto segment = [&](std::uint32_t photoLength) {
+        std::vector<std::uint32_t> words{0x20030000, photoLength, 0, 0};
+        constexpr std::uint32_t dataStart = 10; // of the segment's TIFF data, where offsets count from
+        auto at = photoLength - dataStart;
+        for (const auto& [kind, jpeg] : pictures) {
+            const auto length = static_cast<std::uint32_t>(jpeg.size());
+            words.insert(words.end(), {kind, length, at, 0});
+            at += length;
+        }
+        TiffMaker tiff;
+        const auto entries = tiff.addLongs(words);
+        const auto count = static_cast<std::uint32_t>(words.size() * 4);
+        const auto data = tiff.finish(tiff.addDirectory({{0xB002, entries, count, longUndefined}}));
+        const std::array<std::uint8_t, 8> start{0xFF, 0xE2, 0,   static_cast<std::uint8_t>(data.size() + 6),
+                                                'M',  'P',  'F', 0};
+        Bytes result(start.size() + data.size());
+        std::ranges::copy(data, std::ranges::copy(start, result.begin()).out);
+        return result;
+    };
+    auto result = photo;
+    const auto length = static_cast<std::uint32_t>(photo.size() + segment(1000).size());
+    const auto marker = segment(length);
+    result.insert(result.begin() + 2, marker.begin(), marker.end());
+    for (const auto& picture : pictures)
+        result.insert(result.end(), picture.jpeg.begin(), picture.jpeg.end());
+    return result;
+}
+
+Bytes plainJpeg(PixelSize size, Color color) {
+    JpegRecipe recipe{.size = size};
+    recipe.paint = [color](int, int) { return painted(color); };
+    return makeJpeg(recipe);
+}
+
+TEST_F(JpegTest, theSmallestStoredPictureThatSatisfiesIsTaken) {
+    JpegRecipe recipe{.size = {1200, 800}};
+    recipe.paint = [](int, int) { return painted(white); };
+    recipe.exif = exifBlock(6, plainJpeg({150, 100}, black));
+    const auto photo = makeJpeg(recipe);
+    const auto bytes = withPictures(
+        photo, {{vgaThumbnail, plainJpeg({300, 200}, red)}, {fullHdThumbnail, plainJpeg({600, 402}, green)}});
+    const auto shown = [&](const Bytes& file, int maximum) {
+        const auto image = decode(file, maximum);
+        EXPECT_EQ(image->height(), maximum) << "turned";
+        return colorAt(*image, 20, 20);
+    };
+    EXPECT_TRUE(isNear(shown(bytes, 100), red)) << "never EXIF's";
+    EXPECT_TRUE(isNear(shown(bytes, 300), red));
+    EXPECT_TRUE(isNear(shown(bytes, 301), green)) << "its shape differs by a rounding only";
+    EXPECT_TRUE(isNear(shown(bytes, 601), white));
+    EXPECT_TRUE(isNear(middle(decode(bytes)), white)) << "the full size is never a preview";
+    EXPECT_TRUE(isNear(middle(quick(bytes)), green));
+    EXPECT_TRUE(isNear(shown(withPictures(photo, {{panorama, plainJpeg({300, 200}, red)},
+                                                  {otherView, plainJpeg({600, 400}, red)}}),
+                             200),
+                       white));
+    // What the entries point at has moved, as after an edit that kept them.
+    auto moved = bytes;
+    moved.insert(moved.begin() + static_cast<std::ptrdiff_t>(moved.size() / 2), 5, std::uint8_t{0});
+    EXPECT_TRUE(isNear(shown(moved, 200), white, 20));
+    for (std::size_t i = 2; i < 120; ++i) {
+        auto damaged = bytes;
+        damaged[i] ^= 0xFF;
+        const auto image = decode(damaged, 256);
+        EXPECT_TRUE(!image || image->size().longestSide() <= 256);
+    }
+}
+
+TEST_F(JpegTest, barsOfAStoredPictureAreCutOffAndOthersDistrusted) {
+    const auto photo = plainJpeg({1200, 800}, white);
+    const auto framed = [&](PixelSize size, PixelSize inside, Color frame) {
+        JpegRecipe recipe{.size = size};
+        recipe.paint = [=](int x, int y) {
+            const bool isBar = std::abs(2 * x + 1 - size.width) > inside.width ||
+                               std::abs(2 * y + 1 - size.height) > inside.height;
+            return painted(isBar ? frame : blue);
+        };
+        return withPictures(photo, {{fullHdThumbnail, makeJpeg(recipe)}});
+    };
+    struct Case {
+        PixelSize size, inside;
+    };
+    for (const auto& [size, inside] : {Case{{640, 480}, {640, 426}}, Case{{640, 360}, {540, 360}}}) {
+        const auto image = decode(framed(size, inside, black), 256);
+        ASSERT_TRUE(image);
+        EXPECT_NEAR(image->height(), 171, 1);
+        for (const auto color : corners(*image)) EXPECT_TRUE(isNear(color, blue, 20));
+        EXPECT_TRUE(isNear(middle(decode(framed(size, inside, red), 256)), white)) << "another picture";
+        EXPECT_TRUE(isNear(middle(decode(framed(size, inside, black), inside.width + 1)), white));
+    }
+}
+
 TEST(CropLetterboxTest, cutsInTheMiddleAndRoundsDown) {
     const auto preview = [](int width, int height) -> BitmapPtr {
         return Bitmap::create({width, height}, ColorProfile::sRGB());

@@ -111,6 +111,105 @@ TEST_F(RawTest, theLargestPreviewStandsInWhenTheImageCannotBeDeveloped) {
     EXPECT_EQ(image->size(), (PixelSize{1000, 600}));
 }
 
+/// Boxes of a CR3 file, most significant byte first.
+Bytes number(std::uint64_t value, int count) {
+    Bytes result;
+    for (int i = count - 1; i >= 0; --i) result.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+    return result;
+}
+
+Bytes joined(const std::vector<Bytes>& parts) {
+    Bytes result;
+    for (const auto& part : parts) result.insert(result.end(), part.begin(), part.end());
+    return result;
+}
+
+Bytes box(std::string_view type, const std::vector<Bytes>& parts) {
+    const auto content = joined(parts);
+    return joined({number(content.size() + 8, 4), Bytes(type.begin(), type.end()), content});
+}
+
+Bytes directory(const std::vector<TiffMaker::Entry>& entries) {
+    TiffMaker tiff;
+    return tiff.finish(tiff.addDirectory(entries));
+}
+
+struct Cr3Recipe {
+    std::uint32_t orientation = 1;
+    std::uint32_t colorSpace = 1; ///< The maker's number.
+    bool hasLongBoxes = false;    ///< Lengths and offsets of eight bytes.
+    Bytes thumbnail{}, preview{}, full{};
+};
+
+Bytes makeCr3(const Cr3Recipe& recipe) {
+    const Bytes metadata{0x85, 0xC0, 0xB6, 0x87, 0x82, 0x0F, 0x11, 0xE0,
+                         0x81, 0x11, 0xF4, 0xCE, 0x46, 0x2B, 0x6A, 0x48};
+    const Bytes previews{0xEA, 0xF4, 0x2B, 0x5E, 0x1C, 0x98, 0x4B, 0x88,
+                         0xB9, 0xFB, 0xB7, 0xDC, 0x40, 0x6E, 0x4D, 0x16};
+    const auto s = TiffMaker::shortType;
+    const auto build = [&](std::uint64_t dataAt) {
+        const auto track = [&](std::uint64_t offset, std::size_t length) {
+            const auto place = recipe.hasLongBoxes
+                                   ? box("co64", {number(0, 4), number(1, 4), number(offset, 8)})
+                                   : box("stco", {number(0, 4), number(1, 4), number(offset, 4)});
+            const auto sizes = recipe.hasLongBoxes
+                                   ? box("stsz", {number(0, 4), number(length, 4), number(1, 4)})
+                                   : box("stsz", {number(0, 8), number(1, 4), number(length, 4)});
+            return box("trak", {box("mdia", {box("minf", {box("stbl", {sizes, place})})})});
+        };
+        return joined(
+            {box("ftyp", {Bytes{'c', 'r', 'x', ' '}, number(1, 4)}),
+             box("moov", {box("uuid", {metadata,
+                                       box("CMT1", {directory({{orientationTag, recipe.orientation, 1, s}})}),
+                                       box("CMT2", {directory({{0xA002, 1200}, {0xA003, 800}})}),
+                                       box("CMT3", {directory({{0x00B4, recipe.colorSpace, 1, s}})}),
+                                       box("THMB", {number(0, 16), recipe.thumbnail})}),
+                          track(dataAt, recipe.full.size()), track(dataAt + 1, 5)}),
+             box("uuid", {previews, number(1, 8), box("PRVW", {number(0, 16), recipe.preview})})});
+    };
+    const std::size_t header = recipe.hasLongBoxes ? 16 : 8;
+    const auto start = build(build(0).size() + header);
+    const auto length = recipe.full.size() + header;
+    const Bytes name{'m', 'd', 'a', 't'};
+    const auto data = recipe.hasLongBoxes ? joined({number(1, 4), name, number(length, 8), recipe.full})
+                                          : joined({number(length, 4), name, recipe.full});
+    return joined({start, data});
+}
+
+TEST_F(RawTest, previewsOfCr3AreFoundInItsBoxes) {
+    for (const bool hasLongBoxes : {false, true}) {
+        const auto bytes = makeCr3({.orientation = 8,
+                                    .hasLongBoxes = hasLongBoxes,
+                                    .thumbnail = plain({160, 120}, red),
+                                    .preview = plain({600, 400}, blue),
+                                    .full = plain({1200, 800}, green)});
+        struct Case {
+            std::optional<int> request;
+            PixelSize size;
+            Color color;
+        };
+        for (const auto& [request, size, color] :
+             {Case{128, {96, 128}, red}, Case{512, {341, 512}, blue}, Case{{}, {800, 1200}, green}}) {
+            const auto image = decode(bytes, request);
+            ASSERT_TRUE(image);
+            EXPECT_EQ(image->size(), size);
+            EXPECT_TRUE(isNear(colorAt(*image, 9, 9), color));
+        }
+        for (std::size_t at = 0; at < bytes.size(); at += at < 900 ? 11 : 997) {
+            auto damaged = bytes;
+            damaged[at] ^= 0xFF;
+            const Bytes cut{bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(at)};
+            for (const auto& broken : {damaged, cut}) {
+                const auto image = decode(broken, 100);
+                EXPECT_TRUE(!image || image->size().longestSide() <= 100);
+            }
+        }
+    }
+    const auto adobe = decode(makeCr3({.colorSpace = 2, .full = plain({1200, 800}, green)}));
+    ASSERT_TRUE(adobe);
+    EXPECT_EQ(*adobe->profile(), *ColorProfile::adobeRGB());
+}
+
 /// A DNG of a plain mosaic that can be developed, with a preview unless empty.
 Bytes makeDng(PixelSize size, const Bytes& preview = {}) {
     TiffMaker tiff;
@@ -164,9 +263,46 @@ TEST_F(RawTest, aFileWithoutPreviewsIsDeveloped) {
     const auto half = decode(bytes, 100);
     ASSERT_TRUE(half);
     EXPECT_EQ(half->size(), (PixelSize{75, 100}));
+    const auto url = writeFile(folder, "b.dng", bytes);
+    const auto deep = ImageDecoder::decodeOriginal(url, 100, {}, Depth::full);
+    ASSERT_TRUE(deep);
+    EXPECT_EQ(deep->format(), PixelFormat::bgrx16);
+    for (const int y : {10, 50, 90})
+        EXPECT_NEAR(deep->row16(y)[160] / 257, half->row(y)[160], 1) << "the same picture";
     std::stop_source stop;
     stop.request_stop();
-    EXPECT_FALSE(ImageDecoder::decodeOriginal(writeFile(folder, "b.dng", bytes), {}, stop.get_token()));
+    EXPECT_FALSE(ImageDecoder::decodeOriginal(url, {}, stop.get_token()));
+}
+
+TEST_F(RawTest, missingSensorDataIsNotDeveloped) {
+    // The preview lies before the sensor data, the directories behind it; so the data's length is forged.
+    auto bytes = makeDng({256, 192}, plain({100, 75}, red));
+    const std::array<std::uint8_t, 8> entry{stripLengthTag & 0xFF, stripLengthTag >> 8, 4, 0, 1, 0, 0, 0};
+    const auto found = std::search(bytes.begin(), bytes.end(), entry.begin(), entry.end());
+    ASSERT_NE(found, bytes.end());
+    found[11] = 1; // 16 MB more than there are
+    const auto image = decode(bytes);
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->size(), (PixelSize{75, 100})) << "the preview";
+    bytes = makeDng({256, 192});
+    std::search(bytes.begin(), bytes.end(), entry.begin(), entry.end())[11] = 1;
+    EXPECT_FALSE(decode(bytes));
+
+    const auto whole = makeCr3({.thumbnail = plain({160, 120}, red), .full = plain({1200, 800}, green)});
+    const auto cut = decode({whole.begin(), whole.end() - 500}, 1000);
+    ASSERT_TRUE(cut) << "previews are decoded as far as they go";
+    EXPECT_TRUE(isNear(colorAt(*cut, 9, 9), green));
+}
+
+TEST_F(RawTest, aRawNameOnAJpegDoesNotMatter) {
+    auto recipe = quarters({600, 400});
+    recipe.exif = exifBlock(6, plain({160, 120}, black));
+    for (const auto maximum : {std::optional<int>{}, std::optional{300}}) {
+        const auto image = decode(makeJpeg(recipe), maximum);
+        ASSERT_TRUE(image);
+        EXPECT_EQ(image->height(), maximum.value_or(600));
+        EXPECT_TRUE(isNear(corners(*image)[0], blue, 20));
+    }
 }
 
 TEST_F(RawTest, aPreviewOfNineTenthsIsPreferredToDevelopment) {

@@ -1,10 +1,12 @@
 #include "imaging/codecs/HeifSource.h"
 
 #include "imaging/AreaScaler.h"
+#include "imaging/ColorTransform.h"
 
 #include <libheif/heif.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <utility>
 #include <vector>
@@ -27,20 +29,50 @@ PixelSize sizeOf(const heif_image_handle& handle) {
     return {heif_image_handle_get_width(&handle), heif_image_handle_get_height(&handle)};
 }
 
+/// Null when the picture names its colours in another way, or not.
+Owned<heif_color_profile_nclx> codePointsOf(const heif_image_handle& handle) {
+    heif_color_profile_nclx* nclx = nullptr;
+    if (heif_image_handle_get_color_profile_type(&handle) != heif_color_profile_type_nclx ||
+        !worked(heif_image_handle_get_nclx_color_profile(&handle, &nclx))) {
+        return nullptr;
+    }
+    return Owned<heif_color_profile_nclx>{nclx};
+}
+
 /// Null when the picture doesn't name its colours.
 ColorProfilePtr profileOf(const heif_image_handle& handle) {
-    const auto type = heif_image_handle_get_color_profile_type(&handle);
-    if (type == heif_color_profile_type_nclx) {
-        heif_color_profile_nclx* nclx = nullptr;
-        if (!worked(heif_image_handle_get_nclx_color_profile(&handle, &nclx))) return nullptr;
-        const Owned<heif_color_profile_nclx> owned{nclx};
-        const bool isP3 = nclx->color_primaries == heif_color_primaries_SMPTE_EG_432_1;
-        return isP3 ? ColorProfile::displayP3() : ColorProfile::sRGB();
+    if (const auto nclx = codePointsOf(handle)) {
+        return ColorProfile::fromCodePoints(nclx->color_primaries, nclx->transfer_characteristics);
     }
     std::vector<std::uint8_t> icc(heif_image_handle_get_raw_color_profile_size(&handle));
     if (icc.empty() || !worked(heif_image_handle_get_raw_color_profile(&handle, icc.data()))) return nullptr;
     auto profile = ColorProfile::fromIcc(icc);
     return profile && profile->model() == ColorProfile::Model::rgb ? profile : nullptr;
+}
+
+/// From red first to blue first.
+void swapRow(const std::uint8_t* from, std::uint8_t* to, int pixels) {
+    for (int x = 0; x < pixels; ++x, from += 4, to += 4) {
+        to[0] = from[2];
+        to[1] = from[1];
+        to[2] = from[0];
+        to[3] = 255;
+    }
+}
+
+/// The same for numbers of `bits` in 16, which come out over the whole range.
+void widenRow(const std::uint8_t* fromBytes, std::uint8_t* toBytes, int pixels, unsigned bits) {
+    const auto* from = reinterpret_cast<const std::uint16_t*>(fromBytes);
+    auto* to = reinterpret_cast<std::uint16_t*>(toBytes);
+    const auto wide = [bits](unsigned value) {
+        return static_cast<std::uint16_t>(value << (16 - bits) | value >> (2 * bits - 16));
+    };
+    for (int x = 0; x < pixels; ++x, from += 4, to += 4) {
+        to[0] = wide(from[2]);
+        to[1] = wide(from[1]);
+        to[2] = wide(from[0]);
+        to[3] = 0xFFFF;
+    }
 }
 
 /// The library turns and mirrors by the container's own properties, which EXIF only repeats; so sizes and
@@ -55,17 +87,32 @@ public:
 
     [[nodiscard]] BitmapPtr storedPreview(std::optional<int> maximum, const std::stop_token& stop) override {
         const auto preview = choosePreview(maximum);
-        return preview ? decode(*preview, maximum, stop) : nullptr;
+        return preview ? decode(*preview, maximum, PixelFormat::bgrx8, stop) : nullptr;
     }
 
     [[nodiscard]] BitmapPtr image(std::optional<int> maximum, const std::stop_token& stop) override {
-        return decode(*m_primary, maximum, stop);
+        if (!isDeep() || !isHighDynamicRange()) return decode(*m_primary, maximum, PixelFormat::bgrx8, stop);
+        // Eight bits of its steep curve would show steps in a clear sky.
+        auto deep = decode(*m_primary, maximum, PixelFormat::bgrx16, stop);
+        return converted(std::move(deep), ColorProfile::displayP3(), PixelFormat::bgrx8, stop);
+    }
+
+    [[nodiscard]] BitmapPtr deepImage(std::optional<int> maximum, const std::stop_token& stop) override {
+        return decode(*m_primary, maximum, isDeep() ? PixelFormat::bgrx16 : PixelFormat::bgrx8, stop);
     }
 
 private:
+    [[nodiscard]] bool isDeep() const {
+        return heif_image_handle_get_luma_bits_per_pixel(m_primary.get()) > 8;
+    }
+    [[nodiscard]] bool isHighDynamicRange() const {
+        const auto nclx = codePointsOf(*m_primary);
+        return nclx && (nclx->transfer_characteristics == heif_transfer_characteristic_ITU_R_BT_2100_0_PQ ||
+                        nclx->transfer_characteristics == heif_transfer_characteristic_ITU_R_BT_2100_0_HLG);
+    }
     [[nodiscard]] Owned<heif_image_handle> choosePreview(std::optional<int> maximum) const;
     [[nodiscard]] BitmapPtr decode(const heif_image_handle& handle, std::optional<int> maximum,
-                                   const std::stop_token& stop) const;
+                                   PixelFormat format, const std::stop_token& stop) const;
 
     Owned<heif_context> m_context;
     Owned<heif_image_handle> m_primary;
@@ -86,14 +133,18 @@ Owned<heif_image_handle> HeifSource::choosePreview(std::optional<int> maximum) c
     return best;
 }
 
-BitmapPtr HeifSource::decode(const heif_image_handle& handle, std::optional<int> maximum,
+BitmapPtr HeifSource::decode(const heif_image_handle& handle, std::optional<int> maximum, PixelFormat format,
                              const std::stop_token& stop) const {
     if (stop.stop_requested() || sizeOf(handle).pixels() > Bitmap::maximumPixels) return nullptr;
+    const bool isDeep = format == PixelFormat::bgrx16;
     const Owned<heif_decoding_options> options{heif_decoding_options_alloc()};
-    options->convert_hdr_to_8bit = 1;
+    options->convert_hdr_to_8bit = isDeep ? 0 : 1;
+    constexpr auto deepChroma = std::endian::native == std::endian::little
+                                    ? heif_chroma_interleaved_RRGGBBAA_LE
+                                    : heif_chroma_interleaved_RRGGBBAA_BE;
     heif_image* decoded = nullptr;
-    if (!worked(heif_decode_image(&handle, &decoded, heif_colorspace_RGB, heif_chroma_interleaved_RGBA,
-                                  options.get()))) {
+    if (!worked(heif_decode_image(&handle, &decoded, heif_colorspace_RGB,
+                                  isDeep ? deepChroma : heif_chroma_interleaved_RGBA, options.get()))) {
         return nullptr;
     }
     const Owned<heif_image> image{decoded};
@@ -105,18 +156,18 @@ BitmapPtr HeifSource::decode(const heif_image_handle& handle, std::optional<int>
     auto profile = profileOf(handle);
     if (!profile) profile = profileOf(*m_primary); // thumbnails leave it to their picture
     if (!profile) profile = ColorProfile::sRGB();
-    const auto swapRow = [&](int y, std::uint8_t* to) {
+    const auto bits = static_cast<unsigned>(
+        std::clamp(heif_image_get_bits_per_pixel_range(decoded, heif_channel_interleaved), 8, 16));
+    const auto readRow = [&](int y, std::uint8_t* to) {
         const auto* from = pixels + std::ptrdiff_t{y} * stride;
-        for (int x = 0; x < given.width; ++x, from += 4, to += 4) {
-            to[0] = from[2];
-            to[1] = from[1];
-            to[2] = from[0];
-            to[3] = 255;
-        }
+        if (isDeep)
+            widenRow(from, to, given.width, bits);
+        else
+            swapRow(from, to, given.width);
         return true;
     };
     const auto wanted = maximum ? given.fittedTo(*maximum) : given;
-    return collectRows(given, wanted, std::move(profile), stop, swapRow);
+    return collectRows(given, wanted, std::move(profile), stop, readRow, format);
 }
 
 } // namespace

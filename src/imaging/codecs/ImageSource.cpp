@@ -3,6 +3,7 @@
 #include "imaging/codecs/ByteSource.h"
 #include "imaging/codecs/HeifSource.h"
 #include "imaging/codecs/JpegSource.h"
+#include "imaging/codecs/PngSource.h"
 #include "imaging/codecs/RawSource.h"
 #include "imaging/codecs/VideoSource.h"
 
@@ -13,7 +14,7 @@
 namespace kelvara {
 namespace {
 
-enum class Container { jpeg, heif, video, rawOrUnknown };
+enum class Container { jpeg, png, heif, video, rawOrUnknown };
 
 /// Of the family whose files begin with a box named "ftyp" and the brand of what they hold.
 Container byBrand(std::string_view brand) {
@@ -25,6 +26,7 @@ Container byBrand(std::string_view brand) {
 
 Container recognise(std::string_view start) {
     if (start.starts_with("\xFF\xD8\xFF")) return Container::jpeg;
+    if (start.starts_with("\x89PNG\r\n\x1A\n")) return Container::png;
     if (start.substr(4, 4) == "ftyp") return byBrand(start.substr(8, 4));
     // Films of older cameras begin with other boxes.
     constexpr std::array<std::string_view, 5> boxes{"moov", "mdat", "wide", "free", "skip"};
@@ -50,6 +52,8 @@ std::unique_ptr<ImageSource> ImageSource::open(const FileURL& url) {
     switch (recognise({reinterpret_cast<const char*>(bytes.data()), count})) {
     case Container::jpeg:
         return openJpeg(ByteRange{file});
+    case Container::png:
+        return openPng(ByteRange{file});
     case Container::heif:
         return openHeif(url);
     case Container::video:

@@ -111,13 +111,13 @@ void start(jpeg_decompress_struct& state) {
     jpeg_start_output(&state, state.input_scan_number);
 }
 
-/// Turns rows of any JPEG colour model into blue, green, red and a fourth byte.
+/// Turns rows of any JPEG colour model, four bytes a pixel as the library gives them, into blue, green, red
+/// and a fourth byte.
 class RowConverter {
 public:
     RowConverter(jpeg_decompress_struct& state, const ColorProfilePtr& profile) {
         if (state.num_components == 4) {
             state.out_color_space = JCS_CMYK;
-            m_components = 4;
             // Programs that write the Adobe marker store ink inverted.
             m_isInverted = state.saw_Adobe_marker;
             const auto input =
@@ -125,25 +125,15 @@ public:
             if (profile) m_transform = ColorTransform::between(profile, input, ColorProfile::sRGB());
             return;
         }
-        if (state.num_components == 1 && profile && profile->model() == ColorProfile::Model::grey) {
-            m_transform = ColorTransform::between(profile, ColorTransform::Input::grey, ColorProfile::sRGB());
-        }
-        if (m_transform) {
-            state.out_color_space = JCS_GRAYSCALE;
-            m_components = 1;
-        } else {
-            state.out_color_space = JCS_EXT_BGRX;
-            m_passesThrough = true;
-            if (profile && profile->model() == ColorProfile::Model::rgb) m_profile = profile;
-        }
+        state.out_color_space = JCS_EXT_BGRX;
+        m_passesThrough = true;
+        if (profile && profile->model() == ColorProfile::Model::rgb) m_profile = profile;
     }
 
     /// Of the rows that come out.
     [[nodiscard]] const ColorProfilePtr& profile() const { return m_profile; }
     /// Whether the library's rows are right as they are.
     [[nodiscard]] bool passesThrough() const { return m_passesThrough; }
-    /// Bytes of a pixel as the library gives it.
-    [[nodiscard]] std::size_t components() const { return m_components; }
 
     void convert(const std::uint8_t* from, std::uint8_t* to, std::size_t pixels) const {
         if (m_transform) {
@@ -163,7 +153,6 @@ public:
 private:
     std::shared_ptr<const ColorTransform> m_transform;
     ColorProfilePtr m_profile = ColorProfile::sRGB();
-    std::size_t m_components = 4;
     bool m_isInverted = false;
     bool m_passesThrough = false;
 };
@@ -172,7 +161,7 @@ class RowReader {
 public:
     RowReader(JpegSession& session, const RowConverter& converter)
         : m_session{session}, m_converter{converter},
-          m_line(static_cast<std::size_t>(session.state().output_width) * converter.components()) {}
+          m_line(static_cast<std::size_t>(session.state().output_width) * 4) {}
 
     /// The next row into `to`; false when the library gave up.
     bool read(std::uint8_t* to) {

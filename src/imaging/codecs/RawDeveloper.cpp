@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <exception>
+#include <limits>
 #include <utility>
 
 namespace kelvara {
@@ -21,28 +22,40 @@ int askWhetherToStop(void* stop, LibRaw_progress, int, int) {
     return static_cast<const std::stop_token*>(stop)->stop_requested() ? 1 : 0;
 }
 
-/// Rows of 8-bit grey or red, green and blue as a bitmap. Null for other layouts.
-BitmapPtr bitmapOf(const libraw_processed_image_t& image, std::optional<int> maximum,
-                   const std::stop_token& stop) {
+/// Rows of grey, or of red, green and blue.
+template <typename Sample> BitmapPtr bitmapOf(const libraw_processed_image_t& image, PixelFormat format,
+                                              std::optional<int> maximum, const std::stop_token& stop) {
     const PixelSize given{image.width, image.height};
     const std::size_t colors = image.colors;
-    const bool isKnown = image.type == LIBRAW_IMAGE_BITMAP && image.bits == 8 && (colors == 1 || colors == 3);
-    if (!isKnown || given.isEmpty()) return nullptr;
-    if (image.data_size < static_cast<std::uint64_t>(given.pixels()) * colors) return nullptr;
-    const std::size_t rowBytes = colors * static_cast<std::size_t>(given.width);
+    const std::size_t rowSamples = colors * static_cast<std::size_t>(given.width);
     const std::size_t middle = colors / 2, last = colors - 1;
-    const auto readRow = [&](int y, std::uint8_t* to) {
-        const auto* from = image.data + rowBytes * static_cast<std::size_t>(y);
+    const auto readRow = [&](int y, std::uint8_t* row) {
+        const auto* from =
+            reinterpret_cast<const Sample*>(image.data) + rowSamples * static_cast<std::size_t>(y);
+        auto* to = reinterpret_cast<Sample*>(row);
         for (int x = 0; x < given.width; ++x, from += colors, to += 4) {
             to[0] = from[last];
             to[1] = from[middle];
             to[2] = from[0];
-            to[3] = 255;
+            to[3] = std::numeric_limits<Sample>::max();
         }
         return true;
     };
     const auto wanted = maximum ? given.fittedTo(*maximum) : given;
-    return collectRows(given, wanted, ColorProfile::sRGB(), stop, readRow);
+    return collectRows(given, wanted, ColorProfile::sRGB(), stop, readRow, format);
+}
+
+/// With as many bits as the library gives. Null for layouts that aren't known.
+BitmapPtr bitmapOf(const libraw_processed_image_t& image, std::optional<int> maximum,
+                   const std::stop_token& stop) {
+    const PixelSize given{image.width, image.height};
+    const std::size_t colors = image.colors;
+    if (image.type != LIBRAW_IMAGE_BITMAP || (image.bits != 8 && image.bits != 16)) return nullptr;
+    if ((colors != 1 && colors != 3) || given.isEmpty()) return nullptr;
+    if (image.data_size / (image.bits / 8U) < static_cast<std::uint64_t>(given.pixels()) * colors)
+        return nullptr;
+    if (image.bits == 8) return bitmapOf<std::uint8_t>(image, PixelFormat::bgrx8, maximum, stop);
+    return bitmapOf<std::uint16_t>(image, PixelFormat::bgrx16, maximum, stop);
 }
 
 } // namespace
@@ -86,22 +99,26 @@ RawDeveloper::Preview RawDeveloper::preview() {
         const ProcessedImage image{m_library->dcraw_make_mem_thumb(&error)};
         if (!image || error != LIBRAW_SUCCESS) return {};
         if (image->type == LIBRAW_IMAGE_JPEG) return {{image->data, image->data + image->data_size}, nullptr};
+        if (image->bits != 8) return {};
         return {{}, bitmapOf(*image, std::nullopt, {})};
     } catch (const std::exception&) {
         return {};
     }
 }
 
-RawDeveloper::Development RawDeveloper::develop(std::optional<int> maximum, const std::stop_token& stop) {
+RawDeveloper::Development RawDeveloper::develop(std::optional<int> maximum, PixelFormat format,
+                                                const std::stop_token& stop) {
     try {
         const auto& sizes = m_library->imgdata.sizes;
         const PixelSize raw{sizes.raw_width, sizes.raw_height};
         if (raw.pixels() > Bitmap::maximumPixels || size().pixels() > Bitmap::maximumPixels) return {};
         auto& settings = m_library->imgdata.params;
         settings.use_camera_wb = 1;
-        settings.output_bps = 8;
-        settings.output_color = 1; // sRGB
-        settings.user_flip = 0;    // whoever asked turns all pictures of the file alike
+        settings.output_bps = format == PixelFormat::bgrx8 ? 8 : 16;
+        settings.output_color = 1; // sRGB, with its curve: the power and the slope near black
+        settings.gamm[0] = 1 / 2.4;
+        settings.gamm[1] = 12.92;
+        settings.user_flip = 0; // whoever asked turns all pictures of the file alike
         settings.half_size = maximum && size().longestSide() / 2 >= *maximum ? 1 : 0;
         // The handler's argument is not const, but only read.
         m_library->set_progress_handler(askWhetherToStop, const_cast<std::stop_token*>(&stop));

@@ -41,7 +41,8 @@ public:
     };
     /// The RAW image developed with the camera's white balance, its longest side at most `maximum` where
     /// given; a quarter of the pixels and time where that suffices. Once per object.
-    [[nodiscard]] Development develop(std::optional<int> maximum, const std::stop_token& stop);
+    [[nodiscard]] Development develop(std::optional<int> maximum, PixelFormat format,
+                                      const std::stop_token& stop);
 
 private:
     explicit RawDeveloper(std::unique_ptr<LibRaw> library);

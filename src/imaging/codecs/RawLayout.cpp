@@ -1,5 +1,6 @@
 #include "imaging/codecs/RawLayout.h"
 
+#include "imaging/codecs/Cr3Layout.h"
 #include "imaging/codecs/ExifBlock.h"
 #include "imaging/codecs/JpegDecoder.h"
 #include "imaging/codecs/TiffReader.h"
@@ -11,16 +12,6 @@
 
 namespace kelvara {
 namespace {
-
-std::optional<RawLayout::Preview> previewAt(const ByteRange& file, std::uint64_t offset,
-                                            std::uint64_t length) {
-    auto jpeg = file.part(offset, length);
-    // The RAW data itself may be a JPEG too, of the lossless kind, which has no header that the decoder
-    // knows.
-    const auto header = readJpegHeader(jpeg);
-    if (!header) return std::nullopt;
-    return RawLayout::Preview{.jpeg = std::move(jpeg), .size = header->size};
-}
 
 class TiffWalk {
 public:
@@ -52,13 +43,15 @@ private:
         const auto offset = m_reader.number(directory, TiffTag::exifDirectory);
         const auto exif = offset ? m_reader.directory(*offset) : std::nullopt;
         if (!exif) return;
-        m_exifSize = sizeIn(*exif, TiffTag::pixelWidth, TiffTag::pixelHeight);
+        m_exifSize = m_reader.size(*exif, TiffTag::pixelWidth, TiffTag::pixelHeight);
         m_layout.isAdobeRGB = namesAdobeRGB(m_reader, *exif);
     }
 
     void visit(const TiffDirectory& directory) {
-        if (isRawData(directory)) {
-            const auto size = sizeIn(directory, TiffTag::imageWidth, TiffTag::imageLength);
+        if (isRawData(directory) || directory.find(TiffTag::cr2Slices)) {
+            m_layout.isCut |= endsBeyondFile(directory, TiffTag::stripOffsets, TiffTag::stripByteCounts) ||
+                              endsBeyondFile(directory, TiffTag::tileOffsets, TiffTag::tileByteCounts);
+            const auto size = m_reader.size(directory, TiffTag::imageWidth, TiffTag::imageLength);
             if (size && (!m_layout.size || size->pixels() > m_layout.size->pixels())) m_layout.size = size;
         } else if (m_reader.number(directory, TiffTag::compression) != uncompressed) {
             addPreview(directory, m_reader.number(directory, TiffTag::stripOffsets), stripLength(directory));
@@ -73,7 +66,7 @@ private:
     void addPreview(const TiffDirectory& directory, std::optional<std::uint32_t> offset,
                     std::optional<std::uint32_t> length) {
         if (!offset || !length) return;
-        auto preview = previewAt(m_reader.data(), *offset, *length);
+        auto preview = RawLayout::Preview::read(m_reader.data().part(*offset, *length));
         if (!preview) return;
         constexpr std::uint32_t adobeRGB = 3;
         const auto space = m_reader.number(directory, TiffTag::previewColorSpace);
@@ -87,19 +80,16 @@ private:
         return lengths.size() == 1 ? std::optional{lengths.front()} : std::nullopt;
     }
 
+    bool endsBeyondFile(const TiffDirectory& directory, std::uint16_t offsets, std::uint16_t lengths) const {
+        const auto offset = m_reader.lastNumber(directory, offsets);
+        const auto length = m_reader.lastNumber(directory, lengths);
+        return offset && length && std::uint64_t{*offset} + *length > m_reader.data().size();
+    }
+
     bool isRawData(const TiffDirectory& directory) const {
         constexpr std::uint32_t colorFilterArray = 32803, linearRaw = 34892;
         const auto interpretation = m_reader.number(directory, TiffTag::photometricInterpretation);
         return interpretation == colorFilterArray || interpretation == linearRaw;
-    }
-
-    std::optional<PixelSize> sizeIn(const TiffDirectory& directory, std::uint16_t width,
-                                    std::uint16_t height) const {
-        constexpr std::uint32_t largest = 1U << 20;
-        const auto w = m_reader.number(directory, width);
-        const auto h = m_reader.number(directory, height);
-        if (!w || !h || *w == 0 || *h == 0 || *w > largest || *h > largest) return std::nullopt;
-        return PixelSize{static_cast<int>(*w), static_cast<int>(*h)};
     }
 
     static constexpr std::uint32_t uncompressed = 1;
@@ -121,7 +111,7 @@ RawLayout readRaf(const ByteRange& file) {
         for (std::size_t i = 0; i < 4; ++i) value = value << 8 | bytes[at + i];
         return value;
     };
-    auto preview = previewAt(file, number(0), number(4));
+    auto preview = RawLayout::Preview::read(file.part(number(0), number(4)));
     if (!preview) return layout;
     const auto header = readJpegHeader(preview->jpeg);
     const auto exif =
@@ -134,13 +124,20 @@ RawLayout readRaf(const ByteRange& file) {
 
 } // namespace
 
+std::optional<RawLayout::Preview> RawLayout::Preview::read(ByteRange jpeg) {
+    // The RAW data itself may be a JPEG too, of the lossless kind, which has no header that the decoder
+    // knows.
+    const auto header = readJpegHeader(jpeg);
+    if (!header) return std::nullopt;
+    return Preview{.jpeg = std::move(jpeg), .size = header->size};
+}
+
 RawLayout RawLayout::read(const ByteRange& file) {
-    constexpr std::string_view rafSignature{"FUJIFILMCCD-RAW "};
-    const auto start = file.bytes(0, rafSignature.size());
-    if (std::ranges::equal(start, rafSignature, {}, {},
-                           [](char c) { return static_cast<std::uint8_t>(c); })) {
-        return readRaf(file);
-    }
+    constexpr std::string_view rafSignature{"FUJIFILMCCD-RAW "}, cr3Signature{"ftypcrx "};
+    const auto bytes = file.bytes(0, rafSignature.size());
+    const std::string_view start{reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+    if (start == rafSignature) return readRaf(file);
+    if (!start.empty() && start.substr(4, cr3Signature.size()) == cr3Signature) return readCr3(file);
     auto reader = TiffReader::open(file);
     return reader ? TiffWalk{std::move(*reader)}.run() : RawLayout{};
 }

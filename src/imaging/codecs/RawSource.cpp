@@ -82,17 +82,27 @@ public:
     }
 
     [[nodiscard]] BitmapPtr image(std::optional<int> maximum, const std::stop_token& stop) override {
-        auto* developer = openDeveloper();
-        const auto developed = developer ? developer->develop(maximum, stop) : RawDeveloper::Development{};
+        return develop(maximum, PixelFormat::bgrx8, stop);
+    }
+
+    [[nodiscard]] BitmapPtr deepImage(std::optional<int> maximum, const std::stop_token& stop) override {
+        return develop(maximum, PixelFormat::bgrx16, stop);
+    }
+
+private:
+    BitmapPtr develop(std::optional<int> maximum, PixelFormat format, const std::stop_token& stop) {
+        // LibRaw makes black or noise of what isn't there, and calls that a success.
+        auto* developer = m_layout.isCut ? nullptr : openDeveloper();
+        const auto developed =
+            developer ? developer->develop(maximum, format, stop) : RawDeveloper::Development{};
         m_developer.reset(); // develops once
         if (developed.bitmap && !developed.isDamaged)
             return turnedUpright(developed.bitmap, orientation(), stop);
-        // Of a file that breaks off, the camera's own preview shows more than half a development.
+        // Of a damaged file, the camera's own preview shows more than half a development.
         if (auto preview = storedPreview(maximum, stop)) return preview;
         return turnedUpright(developed.bitmap, orientation(), stop);
     }
 
-private:
     RawDeveloper* openDeveloper() {
         if (!m_developer) m_developer = RawDeveloper::open(m_url);
         return m_developer.get();

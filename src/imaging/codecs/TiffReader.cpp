@@ -99,6 +99,37 @@ std::optional<std::uint32_t> TiffReader::number(const TiffDirectory& directory, 
     return all.front();
 }
 
+std::optional<std::uint32_t> TiffReader::lastNumber(const TiffDirectory& directory, std::uint16_t tag) const {
+    const auto* entry = directory.find(tag);
+    const auto size = entry ? valueSize(entry->type) : 0;
+    if (size == 0 || entry->type == 2 || entry->count == 0) return std::nullopt;
+    const auto bytes = m_data.bytes(entry->valueOffset + std::uint64_t{entry->count - 1} * size, size);
+    if (bytes.empty()) return std::nullopt;
+    return integer(bytes.data(), size);
+}
+
+std::optional<PixelSize> TiffReader::size(const TiffDirectory& directory, std::uint16_t widthTag,
+                                          std::uint16_t heightTag) const {
+    constexpr std::uint32_t largest = 1U << 20;
+    const auto width = number(directory, widthTag);
+    const auto height = number(directory, heightTag);
+    if (!width || !height || *width == 0 || *height == 0 || *width > largest || *height > largest)
+        return std::nullopt;
+    return PixelSize{static_cast<int>(*width), static_cast<int>(*height)};
+}
+
+std::vector<std::uint32_t> TiffReader::words(const TiffDirectory& directory, std::uint16_t tag) const {
+    constexpr std::size_t size = 4;
+    const auto* entry = directory.find(tag);
+    if (!entry || valueSize(entry->type) != 1) return {};
+    const auto bytes =
+        m_data.bytes(entry->valueOffset, std::min<std::size_t>(entry->count, mostNumbers * size));
+    std::vector<std::uint32_t> result;
+    for (std::size_t at = 0; at + size <= bytes.size(); at += size)
+        result.push_back(integer(&bytes[at], size));
+    return result;
+}
+
 std::string TiffReader::text(const TiffDirectory& directory, std::uint16_t tag) const {
     const auto* entry = directory.find(tag);
     if (!entry || entry->type != 2) return {};

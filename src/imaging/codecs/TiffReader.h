@@ -1,5 +1,6 @@
 #pragma once
 
+#include "imaging/Bitmap.h"
 #include "imaging/codecs/ByteSource.h"
 
 #include <cstdint>
@@ -40,6 +41,14 @@ public:
     [[nodiscard]] std::vector<std::uint32_t> numbers(const TiffDirectory& directory, std::uint16_t tag) const;
     [[nodiscard]] std::optional<std::uint32_t> number(const TiffDirectory& directory,
                                                       std::uint16_t tag) const;
+    /// Of a list of any length.
+    [[nodiscard]] std::optional<std::uint32_t> lastNumber(const TiffDirectory& directory,
+                                                          std::uint16_t tag) const;
+    /// Empty when a side is missing, 0 or absurd.
+    [[nodiscard]] std::optional<PixelSize> size(const TiffDirectory& directory, std::uint16_t widthTag,
+                                                std::uint16_t heightTag) const;
+    /// The bytes of a tag taken as numbers of four bytes, 64 at most.
+    [[nodiscard]] std::vector<std::uint32_t> words(const TiffDirectory& directory, std::uint16_t tag) const;
     /// A text of a few characters, up to its end mark.
     [[nodiscard]] std::string text(const TiffDirectory& directory, std::uint16_t tag) const;
 
