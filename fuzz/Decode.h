@@ -53,6 +53,7 @@ inline void decode(ImageSource* source) {
     check(source->image(thumbnail, {}), thumbnail);
     check(source->storedPreview({}, {}), any);
     check(source->image({}, {}), any);
+    check(source->deepImage(thumbnail, {}), thumbnail);
 }
 
 } // namespace kelvara::fuzz

@@ -1,4 +1,5 @@
 #include "imaging/DecodingTest.h"
+#include "imaging/PngMaker.h"
 
 #include "samplecard/DNG.h"
 #include "samplecard/HEIC.h"
@@ -48,7 +49,9 @@ std::vector<Format> makeFormats() {
     for (const char type : {'\3', '\4'})
         for (const unsigned side : {0x0100U, 0x0101U, 0xA002U, 0xA003U})
             rawSides.push_back({tag(side, type), 8, type == '\3' ? std::size_t{2} : 4, false});
-    return {{"a.jpg", card::photoJPEG(scene, shot, {}), jpegSides},
+    const auto png = makePng({.size = {96, 64}, .depth = 16, .isInterlaced = true});
+    return {{"a.png", {png.begin(), png.end()}, {{"IHDR", 4, 4, true}, {"IHDR", 8, 4, true}}},
+            {"a.jpg", card::photoJPEG(scene, shot, {}), jpegSides},
             {"b.jpg", card::photoJPEG(scene, shot, progressive), jpegSides},
             {"a.dng", card::encodeDNG(scene, shot, {}), rawSides},
             {"b.dng",
