@@ -49,6 +49,9 @@ public:
     /// Pixels start undefined. Null when the size is empty or too large, or memory is short.
     [[nodiscard]] static std::unique_ptr<Bitmap> create(PixelSize size, ColorProfilePtr profile,
                                                         PixelFormat format = PixelFormat::bgrx8);
+    ~Bitmap();
+    Bitmap(const Bitmap&) = delete;
+    Bitmap& operator=(const Bitmap&) = delete;
 
     [[nodiscard]] PixelSize size() const { return m_size; }
     [[nodiscard]] int width() const { return m_size.width; }
@@ -62,8 +65,8 @@ public:
     [[nodiscard]] const ColorProfilePtr& profile() const { return m_profile; }
 
     /// The whole picture, top row first.
-    [[nodiscard]] const std::uint8_t* data() const { return m_data.get(); }
-    [[nodiscard]] std::uint8_t* data() { return m_data.get(); }
+    [[nodiscard]] const std::uint8_t* data() const { return m_data; }
+    [[nodiscard]] std::uint8_t* data() { return m_data; }
     /// One row's pixels, 0 is the top.
     [[nodiscard]] std::span<const std::uint8_t> row(int y) const { return {data() + offset(y), m_rowBytes}; }
     [[nodiscard]] std::span<std::uint8_t> row(int y) { return {data() + offset(y), m_rowBytes}; }
@@ -83,7 +86,7 @@ private:
     PixelFormat m_format;
     std::size_t m_rowBytes;
     ColorProfilePtr m_profile;
-    std::unique_ptr<std::uint8_t[]> m_data;
+    std::uint8_t* m_data = nullptr; // owned
 };
 
 /// How many bits a channel a picture is wanted with: eight, or sixteen where its file has more than eight.

@@ -149,22 +149,5 @@ TEST(HeifTest, tenBitsAndHighDynamicRangeComeOutAsAScreenShowsThem) {
     EXPECT_FALSE(ColorProfile::fromCodePoints(bt709, 200));
 }
 
-TEST(HeifTest, truncatedFilesEndInNothing) {
-    const TemporaryFolder folder;
-    const auto url = folder.at("a.heic");
-    ASSERT_NO_FATAL_FAILURE(writeHeic(url.path(), {64, 64}, 0, false));
-    EXPECT_FALSE(ImageDecoder::embeddedThumbnail(url, {}));
-    const auto text = TemporaryFolder::read(url);
-    const Bytes whole{text.begin(), text.end()};
-    for (std::size_t length = 12; length < whole.size(); length += 41) {
-        const auto cut =
-            writeFile(folder, "b.heic", {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)});
-        const auto image = ImageDecoder::decodeOriginal(cut, {}, {});
-        if (image) {
-            EXPECT_EQ(image->size(), (PixelSize{64, 64}));
-        }
-    }
-}
-
 } // namespace
 } // namespace kelvara

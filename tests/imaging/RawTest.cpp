@@ -105,17 +105,6 @@ TEST_F(RawTest, hostileDirectoriesEndInNothing) {
     EXPECT_FALSE(decode({'I', 'I', 42, 0}));
 }
 
-TEST_F(RawTest, anyTruncationGivesAPreviewOrNothing) {
-    const auto whole = makeRaw(
-        {.sensor = {600, 400}, .inSub = plain({600, 400}, green), .inSecond = plain({160, 120}, red)});
-    for (std::size_t length = 0; length < whole.size(); length += 211) {
-        const auto image = decode({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)}, 128);
-        if (image) {
-            EXPECT_LE(image->size().longestSide(), 128);
-        }
-    }
-}
-
 TEST_F(RawTest, theLargestPreviewStandsInWhenTheImageCannotBeDeveloped) {
     const auto image = decode(makeRaw({.inSub = plain({1000, 600}, red)}));
     ASSERT_TRUE(image);

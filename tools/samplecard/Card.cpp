@@ -13,7 +13,7 @@ namespace kelvara::samplecard {
 namespace {
 
 // To be raised with every change to what the tool writes, so that old cards are written anew.
-constexpr int cardVersion = 1;
+constexpr int cardVersion = 2;
 constexpr const char* markerName = ".kelvara-sample";
 constexpr const char* unfinished = "unfinished\n";
 

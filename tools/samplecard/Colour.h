@@ -11,9 +11,15 @@ struct Colour {
     float g = 0;
     float b = 0;
 
-    friend Colour operator+(Colour a, Colour b) { return {a.r + b.r, a.g + b.g, a.b + b.b}; }
-    friend Colour operator-(Colour a, Colour b) { return {a.r - b.r, a.g - b.g, a.b - b.b}; }
-    friend Colour operator*(Colour a, Colour b) { return {a.r * b.r, a.g * b.g, a.b * b.b}; }
+    friend Colour operator+(Colour one, Colour other) {
+        return {one.r + other.r, one.g + other.g, one.b + other.b};
+    }
+    friend Colour operator-(Colour one, Colour other) {
+        return {one.r - other.r, one.g - other.g, one.b - other.b};
+    }
+    friend Colour operator*(Colour one, Colour other) {
+        return {one.r * other.r, one.g * other.g, one.b * other.b};
+    }
     friend Colour operator*(Colour a, float k) { return {a.r * k, a.g * k, a.b * k}; }
     Colour& operator+=(Colour other) { return *this = *this + other; }
 };

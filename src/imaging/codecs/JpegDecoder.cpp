@@ -71,6 +71,46 @@ void chooseScale(jpeg_decompress_struct& state, PixelSize wanted) {
     }
 }
 
+/// Whether the scans of a progressive file read so far hold what a component shows, to within half a grey
+/// level.
+bool suffices(const jpeg_component_info& component, const int* missingBits) {
+    constexpr int mostLost = 4; // an eighth of a coefficient reaches a pixel
+    const int side = component.DCT_scaled_size;
+    if (side > 4 || !component.quant_table) return false;
+    for (int row = 0; row < side; ++row) {
+        for (int column = 0; column < side; ++column) {
+            // Scans name the coefficients along diagonals, down and up by turns.
+            const int diagonal = row + column;
+            const int bits = missingBits[diagonal * (diagonal + 1) / 2 + (diagonal % 2 == 0 ? column : row)];
+            const int quantum = component.quant_table->quantval[row * DCTSIZE + column];
+            if (bits < 0 || ((1 << bits) - 1) * quantum > mostLost) return false;
+        }
+    }
+    return true;
+}
+
+bool suffices(const jpeg_decompress_struct& state) {
+    for (int i = 0; i < state.num_components; ++i)
+        if (!suffices(state.comp_info[i], state.coef_bits[i])) return false;
+    return true;
+}
+
+/// Begins to give rows. Of a progressive file that is to be smaller only the scans that it takes are read.
+void start(jpeg_decompress_struct& state) {
+    state.buffered_image = jpeg_has_multiple_scans(&state) && state.progressive_mode && state.scale_num < 8;
+    jpeg_start_decompress(&state);
+    if (!state.buffered_image) return;
+    int event = 0;
+    bool isEnough = false;
+    while (event != JPEG_REACHED_EOI && !isEnough) {
+        event = jpeg_consume_input(&state);
+        state.progress->progress_monitor(reinterpret_cast<j_common_ptr>(&state));
+        isEnough = event == JPEG_SCAN_COMPLETED && suffices(state);
+    }
+    if (isEnough) state.do_block_smoothing = FALSE; // guesses what a scan still to come would tell
+    jpeg_start_output(&state, state.input_scan_number);
+}
+
 /// Turns rows of any JPEG colour model, four bytes a pixel as the library gives them, into blue, green, red
 /// and a fourth byte.
 class RowConverter {
@@ -166,8 +206,7 @@ BitmapPtr decodeJpeg(const ByteRange& bytes, const JpegRequest& request, const s
     if (jpeg_has_multiple_scans(&state) && stored.pixels() > Bitmap::maximumPixels) return nullptr;
     chooseScale(state, wanted);
     const RowConverter converter{state, request.profile};
-    bool hasStarted = false;
-    if (!session.guarded([&] { hasStarted = jpeg_start_decompress(&state); }) || !hasStarted) return nullptr;
+    if (!session.guarded([&] { start(state); })) return nullptr;
     const PixelSize given{static_cast<int>(state.output_width), static_cast<int>(state.output_height)};
     RowReader reader{session, converter};
     auto image = collectRows(given, wanted, converter.profile(), stop,

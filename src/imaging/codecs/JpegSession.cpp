@@ -50,7 +50,7 @@ boolean JpegSession::fill(j_decompress_ptr state) {
     auto& input = *reinterpret_cast<Input*>(state->src);
     auto count = input.bytes.read(input.position, std::span{input.buffer}.first(input.nextFill));
     input.position += count;
-    input.nextFill = input.buffer.size();
+    input.nextFill = std::min(input.nextFill * 4, input.buffer.size());
     if (count == 0) {
         // Beyond the end of a truncated file: an end marker lets the library finish with what it has.
         input.buffer[0] = 0xFF;

@@ -46,7 +46,7 @@ private:
         ByteRange bytes;
         std::uint64_t position = 0;
         std::size_t nextFill = 4096; // headers are often all that is wanted, and cards are slow
-        std::array<std::uint8_t, 64 * 1024> buffer;
+        std::array<std::uint8_t, 256 * 1024> buffer;
     };
     struct Progress {
         jpeg_progress_mgr manager{}; // first, for the same reason
