@@ -285,6 +285,19 @@ TEST_F(RawTest, aFileWithoutPreviewsIsDeveloped) {
     EXPECT_FALSE(ImageDecoder::decodeOriginal(url, {}, stop.get_token()));
 }
 
+TEST_F(RawTest, aStopAtAnyMomentEndsTheDevelopment) {
+    const auto url = writeFile(folder, "a.dng", makeDng({256, 192}));
+    for (int i = 0; i < 20; ++i) {
+        std::stop_source stop;
+        BitmapPtr image;
+        std::jthread decoding{[&] { image = ImageDecoder::decodeOriginal(url, {}, stop.get_token()); }};
+        for (int yields = 0; yields < i * i; ++yields) std::this_thread::yield();
+        stop.request_stop();
+        decoding.join();
+        EXPECT_TRUE(!image || image->size() == (PixelSize{192, 256}));
+    }
+}
+
 TEST_F(RawTest, missingSensorDataIsNotDeveloped) {
     // The preview lies before the sensor data, the directories behind it; so the data's length is forged.
     auto bytes = makeDng({256, 192}, plain({100, 75}, red));
