@@ -174,9 +174,9 @@ Bytes makeCr3(const Cr3Recipe& recipe) {
                                        box("CMT1", {directory({{orientationTag, recipe.orientation, 1, s}})}),
                                        box("CMT2", {directory({{0xA002, 1200}, {0xA003, 800}})}),
                                        box("CMT3", {directory({{0x00B4, recipe.colorSpace, 1, s}})}),
-                                       box("THMB", {number(0, 16), recipe.thumbnail})}),
+                                       box("THMB", {Bytes(16), recipe.thumbnail})}),
                           track(dataAt, recipe.full.size()), track(dataAt + 1, 5)}),
-             box("uuid", {previews, number(1, 8), box("PRVW", {number(0, 16), recipe.preview})})});
+             box("uuid", {previews, number(1, 8), box("PRVW", {Bytes(16), recipe.preview})})});
     };
     const std::size_t header = recipe.hasLongBoxes ? 16 : 8;
     const auto start = build(build(0).size() + header);
