@@ -46,8 +46,8 @@ void print(const std::string& title, std::vector<double> times) {
     const auto at = [&](double share) {
         return times[static_cast<std::size_t>(share * static_cast<double>(times.size() - 1))];
     };
-    std::printf("%-52s median %6.2f ms   99th percentile %6.2f ms   longest %6.2f ms   (%zu)\n", title,
-                at(0.5), at(0.99), times.back(), times.size());
+    std::printf("%-52s median %6.2f ms   99th percentile %6.2f ms   longest %6.2f ms   (%zu)\n",
+                title.c_str(), at(0.5), at(0.99), times.back(), times.size());
     std::fflush(stdout);
 }
 
