@@ -34,11 +34,11 @@ FilmstripView::FilmstripView(LibraryViewModel& library, ThumbnailService& thumbn
                                                                 update(cellRect(*index));
                                                             }
                                                         }} {
+    makeCellsAccessible(*this);
     setFixedHeight(side + 2 * margin);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
     setAccessibleName(tr("Filmstrip"));
-    makeCellsAccessible(*this);
     m_frames.setInterval(16);
     m_frames.setTimerType(Qt::PreciseTimer);
     connect(&m_frames, &QTimer::timeout, this, &FilmstripView::step);

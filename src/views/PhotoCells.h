@@ -28,7 +28,8 @@ public:
 };
 
 /// Lets assistive tools see each cell of `PhotoCells` widgets as an item of a list, with its name, its mark
-/// and its stars, that can be opened and marked. To be called by the constructor of such a widget.
+/// and its stars, that can be opened and marked. For the constructor of such a widget, before
+/// anything that is told to those tools, such as its name: they would keep the view they got then.
 void makeCellsAccessible(QWidget& view);
 
 } // namespace kelvara

@@ -30,13 +30,13 @@ PhotoGridView::PhotoGridView(LibraryViewModel& library, ThumbnailService& thumbn
       m_thumbnails{m_service, [this](const FileURL& url) { updateCell(url); }},
       m_exposures{metadata, [this](const FileURL& url) { updateCell(url); }},
       m_side{toSide(preferences.number(PreferenceKeys::gridThumbnailSize).value_or(usualSide))} {
+    makeCellsAccessible(*this);
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     // The columns don't depend on whether there is enough to scroll.
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(tr("Photos"));
-    makeCellsAccessible(*this);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     viewport()->setMouseTracking(true);
     m_settled.setSingleShot(true);
