@@ -5,6 +5,7 @@
 #include "views/Text.h"
 
 #include <QActionGroup>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QMenu>
 #include <QWidgetAction>
@@ -86,6 +87,7 @@ void FilterBar::makeChips() {
 
     m_types = new QWidget{this};
     m_types->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_types->installEventFilter(this);
     m_typeRow = new QHBoxLayout{m_types};
     m_typeRow->setContentsMargins(0, 0, 0, 0);
     m_typeRow->setSpacing(spacing::tiny);
@@ -236,9 +238,18 @@ void FilterBar::makeRoom() {
 
     // One type needs no filter; and half a row of them would tell less than none, as the menu has them all.
     int wanted = 0;
-    for (const auto* chip : m_typeChips) wanted += chip->sizeHint().width() + m_typeRow->spacing();
+    for (const auto* chip : m_typeChips) {
+        chip->ensurePolished(); // before it is, it seems narrower
+        wanted += chip->sizeHint().width() + m_typeRow->spacing();
+    }
     const auto fits = m_typeChips.size() > 1 && wanted <= m_types->width();
     for (auto* chip : m_typeChips) chip->setVisible(fits);
+}
+
+bool FilterBar::eventFilter(QObject* watched, QEvent* event) {
+    // Also where the bar keeps its size, as when other chips come and go.
+    if (watched == m_types && event->type() == QEvent::Resize) makeRoom();
+    return Panel::eventFilter(watched, event);
 }
 
 void FilterBar::resizeEvent(QResizeEvent* event) {
