@@ -32,6 +32,10 @@ QToolButton* makeMenuButton(QStringView symbolName, const QString& name, QMenu* 
 FilterBar::FilterBar(LibraryViewModel& library, QWidget* parent)
     : Panel{&Theme::window, parent}, m_library{library} {
     setHairlines(Qt::BottomEdge);
+    // Not while the row is being laid out: what shows and hides in it would lay it out again.
+    m_roomIsDue.setSingleShot(true);
+    m_roomIsDue.setInterval(0);
+    connect(&m_roomIsDue, &QTimer::timeout, this, &FilterBar::makeRoom);
     m_search = new SearchField{library, this};
     m_search->setMinimumWidth(130);
     m_search->setMaximumWidth(260);
@@ -87,6 +91,7 @@ void FilterBar::makeChips() {
 
     m_types = new QWidget{this};
     m_types->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_types->setMinimumWidth(1); // its width decides on the chips, and not they on it
     m_types->installEventFilter(this);
     m_typeRow = new QHBoxLayout{m_types};
     m_typeRow->setContentsMargins(0, 0, 0, 0);
@@ -145,7 +150,7 @@ void FilterBar::refreshTypes() {
     m_filterButton->setIcon(isFiltering
                                 ? symbolIcon(u"line.3.horizontal.decrease.circle.fill", &Theme::accent)
                                 : symbolIcon(u"line.3.horizontal.decrease.circle", &Theme::text));
-    makeRoom();
+    m_roomIsDue.start();
 }
 
 void FilterBar::refreshSort() {
@@ -248,13 +253,13 @@ void FilterBar::makeRoom() {
 
 bool FilterBar::eventFilter(QObject* watched, QEvent* event) {
     // Also where the bar keeps its size, as when other chips come and go.
-    if (watched == m_types && event->type() == QEvent::Resize) makeRoom();
+    if (watched == m_types && event->type() == QEvent::Resize) m_roomIsDue.start();
     return Panel::eventFilter(watched, event);
 }
 
 void FilterBar::resizeEvent(QResizeEvent* event) {
     Panel::resizeEvent(event);
-    makeRoom();
+    m_roomIsDue.start();
 }
 
 } // namespace kelvara
