@@ -5,6 +5,7 @@
 #include "views/Text.h"
 
 #include <QActionGroup>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QMenu>
 #include <QWidgetAction>
@@ -31,6 +32,10 @@ QToolButton* makeMenuButton(QStringView symbolName, const QString& name, QMenu* 
 FilterBar::FilterBar(LibraryViewModel& library, QWidget* parent)
     : Panel{&Theme::window, parent}, m_library{library} {
     setHairlines(Qt::BottomEdge);
+    // Not while the row is being laid out: what shows and hides in it would lay it out again.
+    m_roomIsDue.setSingleShot(true);
+    m_roomIsDue.setInterval(0);
+    connect(&m_roomIsDue, &QTimer::timeout, this, &FilterBar::makeRoom);
     m_search = new SearchField{library, this};
     m_search->setMinimumWidth(130);
     m_search->setMaximumWidth(260);
@@ -86,6 +91,8 @@ void FilterBar::makeChips() {
 
     m_types = new QWidget{this};
     m_types->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_types->setMinimumWidth(1); // its width decides on the chips, and not they on it
+    m_types->installEventFilter(this);
     m_typeRow = new QHBoxLayout{m_types};
     m_typeRow->setContentsMargins(0, 0, 0, 0);
     m_typeRow->setSpacing(spacing::tiny);
@@ -143,7 +150,7 @@ void FilterBar::refreshTypes() {
     m_filterButton->setIcon(isFiltering
                                 ? symbolIcon(u"line.3.horizontal.decrease.circle.fill", &Theme::accent)
                                 : symbolIcon(u"line.3.horizontal.decrease.circle", &Theme::text));
-    makeRoom();
+    m_roomIsDue.start();
 }
 
 void FilterBar::refreshSort() {
@@ -236,14 +243,23 @@ void FilterBar::makeRoom() {
 
     // One type needs no filter; and half a row of them would tell less than none, as the menu has them all.
     int wanted = 0;
-    for (const auto* chip : m_typeChips) wanted += chip->sizeHint().width() + m_typeRow->spacing();
+    for (const auto* chip : m_typeChips) {
+        chip->ensurePolished(); // before it is, it seems narrower
+        wanted += chip->sizeHint().width() + m_typeRow->spacing();
+    }
     const auto fits = m_typeChips.size() > 1 && wanted <= m_types->width();
     for (auto* chip : m_typeChips) chip->setVisible(fits);
 }
 
+bool FilterBar::eventFilter(QObject* watched, QEvent* event) {
+    // Also where the bar keeps its size, as when other chips come and go.
+    if (watched == m_types && event->type() == QEvent::Resize) m_roomIsDue.start();
+    return Panel::eventFilter(watched, event);
+}
+
 void FilterBar::resizeEvent(QResizeEvent* event) {
     Panel::resizeEvent(event);
-    makeRoom();
+    m_roomIsDue.start();
 }
 
 } // namespace kelvara

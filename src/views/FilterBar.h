@@ -4,6 +4,7 @@
 #include "views/Controls.h"
 
 #include <QList>
+#include <QTimer>
 
 class QHBoxLayout;
 class QMenu;
@@ -21,6 +22,7 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void makeChips();
@@ -47,6 +49,7 @@ private:
     QMenu* m_ratingMenu;
     QMenu* m_filterMenu;
     QMenu* m_sortMenu;
+    QTimer m_roomIsDue;
     std::vector<Subscription> m_subscriptions;
 };
 

@@ -151,7 +151,7 @@ FormGroup* MetadataInspector::makePhoto() {
 }
 
 FormGroup* MetadataInspector::makeCapture() {
-    auto* group = new FormGroup{tr("Capture"), this};
+    auto* group = m_captureGroup = new FormGroup{tr("Capture"), this};
     const auto add = [&](const QString& label, QString (*value)(const ExifInfo&)) {
         m_capture.push_back({group->addText(label), value});
     };
@@ -239,6 +239,9 @@ void MetadataInspector::showExif(const std::optional<ExifInfo>& info) {
     const auto dimensions =
         hasSize ? tr("%1 × %2").arg(*info->pixelWidth).arg(*info->pixelHeight) : QString{};
     m_dimensions->showText(info ? orDash(dimensions) : QString{});
+    // Of a video nothing is known, and a column of dashes says less than none.
+    const auto isKnown = [&](const CaptureRow& row) { return !row.text(*info).isEmpty(); };
+    m_captureGroup->setVisible(!info || std::ranges::any_of(m_capture, isKnown));
     for (const auto& row : m_capture) row.value->showText(info ? orDash(row.text(*info)) : QString{});
 }
 

@@ -67,6 +67,7 @@ private:
     SelectableText* m_savedTo = nullptr;
     QLabel* m_savedToNote = nullptr;
     SelectableText* m_copy = nullptr;
+    FormGroup* m_captureGroup = nullptr;
     std::vector<CaptureRow> m_capture;
     QToolButton* m_disclosure = nullptr;
     QLabel* m_dumpState = nullptr;
