@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -47,7 +46,7 @@ public:
     [[nodiscard]] std::size_t read(std::uint64_t offset, std::span<std::uint8_t> to) const override {
         if (offset >= m_bytes.size()) return 0;
         const auto count = std::min(to.size(), m_bytes.size() - static_cast<std::size_t>(offset));
-        std::memcpy(to.data(), m_bytes.data() + offset, count);
+        std::copy_n(m_bytes.begin() + static_cast<std::ptrdiff_t>(offset), count, to.begin());
         return count;
     }
 
