@@ -89,7 +89,7 @@ std::unique_ptr<const MatrixTransform> MatrixTransform::make(const ColorProfile&
 template <typename Sample>
 void MatrixTransform::convert(const std::uint16_t* from, Sample* to, std::size_t pixels) const {
     constexpr float scale = static_cast<float>(std::numeric_limits<Sample>::max()) / 65535.0F;
-    constexpr float last = steps - 1;
+    constexpr float last = steps - 1, half = 0.5F; // which rounds, far faster than the library
     for (std::size_t i = 0; i < pixels; ++i, from += 4, to += 4) {
         const float blue = m_light[0][from[0]], green = m_light[1][from[1]], red = m_light[2][from[2]];
         for (std::size_t c = 0; c < 3; ++c) {
@@ -98,7 +98,7 @@ void MatrixTransform::convert(const std::uint16_t* from, Sample* to, std::size_t
             const auto step = std::min(static_cast<std::size_t>(light), steps - 2);
             const auto* number = &m_numbers[c][step];
             const float value = number[0] + (number[1] - number[0]) * (light - static_cast<float>(step));
-            to[c] = static_cast<Sample>(value * scale + 0.5F);
+            to[c] = static_cast<Sample>(value * scale + half);
         }
     }
 }

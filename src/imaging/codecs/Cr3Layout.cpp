@@ -8,6 +8,7 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace kelvara {
 namespace {
@@ -73,7 +74,7 @@ ByteRange jpegIn(const ByteRange& content) {
 
 class Cr3Walk {
 public:
-    explicit Cr3Walk(const ByteRange& file) : m_file{file} {}
+    explicit Cr3Walk(ByteRange file) : m_file{std::move(file)} {}
 
     RawLayout run() {
         for (const auto& [type, content] : boxesIn(m_file)) {
@@ -98,9 +99,11 @@ private:
     void visitMetadata(const ByteRange& metadata) {
         for (const auto& [type, content] : boxesIn(metadata)) {
             if (type == "THMB") addPreview(jpegIn(content));
-            auto reader = type.starts_with("CMT") ? TiffReader::open(content) : std::nullopt;
-            const auto directory = reader ? reader->directory(reader->firstDirectory()) : std::nullopt;
-            if (directory) visitDirectory(type.back(), *reader, *directory);
+            if (!type.starts_with("CMT")) continue;
+            auto reader = TiffReader::open(content);
+            if (!reader) continue;
+            if (const auto directory = reader->directory(reader->firstDirectory()))
+                visitDirectory(type.back(), *reader, *directory);
         }
     }
 

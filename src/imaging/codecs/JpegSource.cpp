@@ -48,7 +48,7 @@ private:
         PixelRectangle picture{}; ///< Without bars.
     };
 
-    std::vector<Preview> largePreviews() const {
+    [[nodiscard]] std::vector<Preview> largePreviews() const {
         std::vector<Preview> result;
         for (auto& jpeg : multiPicturePreviews(m_bytes)) {
             auto header = readJpegHeader(jpeg);
@@ -59,16 +59,17 @@ private:
         return result;
     }
 
-    BitmapPtr decode(const Preview& preview, std::optional<int> maximum, Orientation orientation,
-                     const std::stop_token& stop) const {
+    [[nodiscard]] BitmapPtr decode(const Preview& preview, std::optional<int> maximum,
+                                   Orientation orientation, const std::stop_token& stop) const {
         // Previews carry no profile of their own as a rule, and are in the colours of their picture.
         auto profile = ColorProfile::fromIcc(preview.header.icc);
         if (!profile) profile = m_profile;
         return decodeJpeg(preview.jpeg, {maximum, orientation, std::move(profile)}, stop);
     }
 
-    BitmapPtr previewFor(int maximum, const std::stop_token& stop) const;
-    BitmapPtr withoutBars(const Preview& preview, int maximum, const std::stop_token& stop) const;
+    [[nodiscard]] BitmapPtr previewFor(int maximum, const std::stop_token& stop) const;
+    [[nodiscard]] BitmapPtr withoutBars(const Preview& preview, int maximum,
+                                        const std::stop_token& stop) const;
 
     ByteRange m_bytes;
     PixelSize m_size;

@@ -40,7 +40,8 @@ std::vector<ByteRange> multiPicturePreviews(const ByteRange& jpeg) {
     std::vector<ByteRange> result;
     const auto data = multiPictureData(jpeg);
     auto reader = TiffReader::open(data);
-    const auto index = reader ? reader->directory(reader->firstDirectory()) : std::nullopt;
+    if (!reader) return result;
+    const auto index = reader->directory(reader->firstDirectory());
     if (!index) return result;
     // Four words for each picture: what it is, length, offset, and two numbers of pictures that belong to it.
     const auto words = reader->words(*index, TiffTag::multiPictureEntries);

@@ -55,11 +55,11 @@ ColorProfilePtr byGamma(PngSession& session) {
     bool isGiven = false;
     bool hasPrimaries = false;
     Primaries primaries = Primaries::sRGB;
-    auto& [white, red, green, blue] = primaries;
     session.guarded([&] {
         isGiven = png_get_gAMA(session.state(), session.info(), &encoding) != 0;
-        hasPrimaries = png_get_cHRM(session.state(), session.info(), &white.x, &white.y, &red.x, &red.y,
-                                    &green.x, &green.y, &blue.x, &blue.y) != 0;
+        hasPrimaries = png_get_cHRM(session.state(), session.info(), &primaries.white.x, &primaries.white.y,
+                                    &primaries.red.x, &primaries.red.y, &primaries.green.x,
+                                    &primaries.green.y, &primaries.blue.x, &primaries.blue.y) != 0;
     });
     constexpr double least = 0.1, most = 10;
     if (!isGiven || encoding < least || encoding > most) return nullptr;

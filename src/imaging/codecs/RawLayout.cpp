@@ -83,7 +83,9 @@ private:
     bool endsBeyondFile(const TiffDirectory& directory, std::uint16_t offsets, std::uint16_t lengths) const {
         const auto offset = m_reader.lastNumber(directory, offsets);
         const auto length = m_reader.lastNumber(directory, lengths);
-        return offset && length && std::uint64_t{*offset} + *length > m_reader.data().size();
+        constexpr std::uint32_t unknown = 0xFFFFFFFF; // RW2 files say elsewhere
+        return offset && length && *offset != unknown &&
+               std::uint64_t{*offset} + *length > m_reader.data().size();
     }
 
     bool isRawData(const TiffDirectory& directory) const {
