@@ -27,4 +27,9 @@ void ImageServices::emptyCaches() {
     m_previews.emptyCaches();
 }
 
+void ImageServices::shrinkCaches() {
+    m_thumbnails.shrinkCache();
+    m_previews.shrinkCache();
+}
+
 } // namespace kelvara

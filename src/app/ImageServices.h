@@ -21,6 +21,8 @@ public:
     /// For preparing large pictures off the main thread.
     [[nodiscard]] Executor& rendering() { return m_rendering; }
     void emptyCaches();
+    /// Halves them, forgetting first what was not used for longest.
+    void shrinkCaches();
 
 private:
     ThreadPool m_decoding;

@@ -5,6 +5,7 @@
 #include "library/LibraryViewModel.h"
 #include "platform/linux/LinuxDesktop.h"
 #include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/MemoryPressure.h"
 #include "platform/linux/QtMainExecutor.h"
 #include "platform/linux/SettingsPreferences.h"
 #include "platform/linux/UDisksVolumes.h"
@@ -52,6 +53,7 @@ private:
     XMPService m_sidecars;
     CopyService m_copier;
     ImageServices m_images;
+    MemoryPressure m_memoryPressure;
     ThreadPool m_background;
     ThreadPool m_sidecarWrites;
     std::unique_ptr<LibraryViewModel> m_library;

@@ -2,6 +2,7 @@
 
 #include "imaging/Lcms.h"
 #include "imaging/MatrixTransform.h"
+#include "imaging/RowSlices.h"
 
 #include <algorithm>
 #include <list>
@@ -125,11 +126,13 @@ BitmapPtr converted(BitmapPtr bitmap, const ColorProfilePtr& profile, PixelForma
     auto result = Bitmap::create(bitmap->size(), profile, format);
     if (!result) return nullptr;
     const auto pixels = static_cast<std::size_t>(bitmap->width());
-    for (int y = 0; y < bitmap->height(); ++y) {
-        if (stop.stop_requested()) return nullptr;
-        transform->convert(bitmap->row(y).data(), result->row(y).data(), pixels);
-        fillFourths(*result, y);
-    }
+    forRowSlices(bitmap->height(), bitmap->size().pixels(), [&](int begin, int end) {
+        for (int y = begin; y < end && !stop.stop_requested(); ++y) {
+            transform->convert(bitmap->row(y).data(), result->row(y).data(), pixels);
+            fillFourths(*result, y);
+        }
+    });
+    if (stop.stop_requested()) return nullptr;
     return result;
 }
 

@@ -25,9 +25,14 @@ void ImageCache::store(std::string_view key, BitmapPtr image) {
     m_cost += image->byteCount();
     m_entries.push_front({std::string{key}, std::move(image)});
     m_index.emplace(m_entries.front().key, m_entries.begin());
-    while (m_cost > m_costLimit || (m_countLimit > 0 && m_entries.size() > m_countLimit)) {
-        drop(std::prev(m_entries.end()), dropped);
-    }
+    while (m_cost > m_costLimit || (m_countLimit > 0 && m_entries.size() > m_countLimit)) dropLast(dropped);
+}
+
+void ImageCache::shrink() {
+    Entries dropped;
+    const std::lock_guard lock{m_mutex};
+    const auto most = m_cost / 2;
+    while (m_cost > most) dropLast(dropped);
 }
 
 void ImageCache::clear() {

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <iterator>
 #include <list>
 #include <mutex>
 #include <string>
@@ -28,6 +29,8 @@ public:
     /// Null removes the key. An image larger than the cost limit is not kept.
     void store(std::string_view key, BitmapPtr image);
     void clear();
+    /// Down to half of the bytes it holds, for when the system needs them more.
+    void shrink();
 
     [[nodiscard]] std::size_t totalCost() const;
     [[nodiscard]] std::size_t count() const;
@@ -39,6 +42,7 @@ private:
     };
     using Entries = std::list<Entry>;
 
+    void dropLast(Entries& dropped) { drop(std::prev(m_entries.end()), dropped); }
     /// Moves an entry out to `dropped`, where its pixels outlive the lock.
     void drop(Entries::iterator entry, Entries& dropped);
 

@@ -18,7 +18,7 @@ struct PixelRectangle {
 /// A copy of a part that lies inside. Null when the part is empty or memory is short.
 [[nodiscard]] BitmapPtr cut(const Bitmap& bitmap, const PixelRectangle& part);
 
-/// Whether nearly everything outside of `part` is black.
+/// Whether nearly everything outside of `part` is black; of a bitmap of eight bits.
 [[nodiscard]] bool hasBlackBars(const Bitmap& bitmap, const PixelRectangle& part);
 
 } // namespace kelvara

@@ -48,6 +48,8 @@ void PreviewService::prefetch(const FileURL& url) { m_loader.prefetch(fullKey(ur
 
 void PreviewService::emptyCaches() { m_loader.forgetAll(); }
 
+void PreviewService::shrinkCache() { m_loader.cache().shrink(); }
+
 ImageLoader::Work PreviewService::work(const FileURL& url) const {
     return
         [decoding = m_decoding, url](std::stop_token stop) { return decode(decoding, url, std::move(stop)); };

@@ -38,6 +38,8 @@ public:
 
     /// As `ThumbnailService::emptyCaches`.
     void emptyCaches();
+    /// As `ThumbnailService::shrinkCache`.
+    void shrinkCache();
 
 private:
     [[nodiscard]] ImageLoader::Work work(const FileURL& url) const;

@@ -96,6 +96,8 @@ void ThumbnailService::prefetch(std::span<const FileURL> urls, int pixelSize) {
 
 void ThumbnailService::emptyCaches() { m_loader.forgetAll(); }
 
+void ThumbnailService::shrinkCache() { m_loader.cache().shrink(); }
+
 ImageLoader::Work ThumbnailService::work(const FileURL& url, int tier,
                                          AsyncLimiter::Priority priority) const {
     auto& resumeOn = priority == AsyncLimiter::Priority::high ? m_executors.visible : m_executors.prefetch;

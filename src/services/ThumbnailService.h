@@ -60,6 +60,8 @@ public:
     /// Forgets all images, also those being decoded now, as their colours belong to the old screen: who waits
     /// for one gets it, but it is not kept.
     void emptyCaches();
+    /// Gives half of the memory of its images back, those first that were not used for longest.
+    void shrinkCache();
 
 private:
     struct Shared;

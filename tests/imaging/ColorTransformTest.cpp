@@ -1,11 +1,14 @@
 #include "imaging/ColorTransform.h"
 
+#include "imaging/RowSlices.h"
+
 #include <lcms2.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstdlib>
 #include <random>
 #include <vector>
@@ -62,6 +65,34 @@ TEST(ColorTransformTest, sixteenBitsAreConvertedAsExactlyAsTheLibraryCan) {
         }
         EXPECT_LT(worst, 128) << "half of one in 255";
         EXPECT_LT(worstNarrow, 200);
+    }
+}
+
+TEST(ColorTransformTest, largePicturesComeOutTheSameInSlices) {
+    constexpr PixelSize size{3000, 2801}; // enough for four
+    const auto p3 = ColorProfile::displayP3();
+    std::shared_ptr<Bitmap> bitmap = Bitmap::create(size, p3);
+    for (int y = 0; y < size.height; ++y)
+        std::ranges::fill(bitmap->row(y), static_cast<std::uint8_t>(y % 251));
+    const auto whole = converted(bitmap, ColorProfile::adobeRGB(), PixelFormat::bgrx8, {});
+    for (int y = 0; y < size.height; ++y) {
+        std::shared_ptr<Bitmap> row = Bitmap::create({size.width, 1}, p3);
+        std::ranges::copy(bitmap->row(y), row->data());
+        const auto alone = converted(row, ColorProfile::adobeRGB(), PixelFormat::bgrx8, {});
+        ASSERT_TRUE(std::ranges::equal(whole->row(y), alone->row(0))) << y;
+    }
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_FALSE(converted(bitmap, ColorProfile::adobeRGB(), PixelFormat::bgrx8, stop.get_token()));
+}
+
+TEST(RowSlicesTest, everyRowIsInOneSlice) {
+    for (const int rows : {1, 2, 3, 7, 4000}) {
+        std::vector<std::atomic<int>> seen(static_cast<std::size_t>(rows));
+        forRowSlices(rows, 24'000'000, [&](int begin, int end) {
+            for (int y = begin; y < end; ++y) ++seen[static_cast<std::size_t>(y)];
+        });
+        EXPECT_TRUE(std::ranges::all_of(seen, [](const auto& count) { return count == 1; })) << rows;
     }
 }
 

@@ -36,6 +36,19 @@ TEST(ImageCacheTest, keepsNoMoreImagesThanItsCount) {
     EXPECT_FALSE(cache.find("c"));
 }
 
+TEST(ImageCacheTest, givesHalfBackOldestFirst) {
+    ImageCache cache{1000};
+    cache.shrink();
+    for (const auto* key : {"a", "b", "c", "d"}) cache.store(key, image(10));
+    EXPECT_TRUE(cache.find("a"));
+    cache.shrink();
+    EXPECT_EQ(cache.totalCost(), 80U);
+    EXPECT_TRUE(cache.contains("a"));
+    EXPECT_TRUE(cache.contains("d"));
+    for (int i = 0; i < 3; ++i) cache.shrink();
+    EXPECT_EQ(cache.count(), 0U);
+}
+
 TEST(BitmapTest, refusesAbsurdSizesBeforeAskingForMemory) {
     EXPECT_FALSE(Bitmap::create({0, 5}, ColorProfile::sRGB()));
     EXPECT_FALSE(Bitmap::create({-1, 5}, ColorProfile::sRGB()));

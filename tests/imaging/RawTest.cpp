@@ -114,7 +114,8 @@ TEST_F(RawTest, theLargestPreviewStandsInWhenTheImageCannotBeDeveloped) {
 /// Boxes of a CR3 file, most significant byte first.
 Bytes number(std::uint64_t value, int count) {
     Bytes result;
-    for (int i = count - 1; i >= 0; --i) result.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+    for (int i = count - 1; i >= 0; --i)
+        result.push_back(static_cast<std::uint8_t>(i < 8 ? value >> (8 * i) : 0));
     return result;
 }
 
@@ -163,9 +164,9 @@ Bytes makeCr3(const Cr3Recipe& recipe) {
                                        box("CMT1", {directory({{orientationTag, recipe.orientation, 1, s}})}),
                                        box("CMT2", {directory({{0xA002, 1200}, {0xA003, 800}})}),
                                        box("CMT3", {directory({{0x00B4, recipe.colorSpace, 1, s}})}),
-                                       box("THMB", {number(0, 16), recipe.thumbnail})}),
+                                       box("THMB", {Bytes(16), recipe.thumbnail})}),
                           track(dataAt, recipe.full.size()), track(dataAt + 1, 5)}),
-             box("uuid", {previews, number(1, 8), box("PRVW", {number(0, 16), recipe.preview})})});
+             box("uuid", {previews, number(1, 8), box("PRVW", {Bytes(16), recipe.preview})})});
     };
     const std::size_t header = recipe.hasLongBoxes ? 16 : 8;
     const auto start = build(build(0).size() + header);
@@ -272,6 +273,19 @@ TEST_F(RawTest, aFileWithoutPreviewsIsDeveloped) {
     std::stop_source stop;
     stop.request_stop();
     EXPECT_FALSE(ImageDecoder::decodeOriginal(url, {}, stop.get_token()));
+}
+
+TEST_F(RawTest, aStopAtAnyMomentEndsTheDevelopment) {
+    const auto url = writeFile(folder, "a.dng", makeDng({256, 192}));
+    for (int i = 0; i < 20; ++i) {
+        std::stop_source stop;
+        BitmapPtr image;
+        std::jthread decoding{[&] { image = ImageDecoder::decodeOriginal(url, {}, stop.get_token()); }};
+        for (int yields = 0; yields < i * i; ++yields) std::this_thread::yield();
+        stop.request_stop();
+        decoding.join();
+        EXPECT_TRUE(!image || image->size() == (PixelSize{192, 256}));
+    }
 }
 
 TEST_F(RawTest, missingSensorDataIsNotDeveloped) {

@@ -46,7 +46,7 @@ public:
     [[nodiscard]] std::size_t read(std::uint64_t offset, std::span<std::uint8_t> to) const override {
         if (offset >= m_bytes.size()) return 0;
         const auto count = std::min(to.size(), m_bytes.size() - static_cast<std::size_t>(offset));
-        std::copy_n(m_bytes.data() + offset, count, to.data()); // `to` may be empty
+        std::copy_n(m_bytes.begin() + static_cast<std::ptrdiff_t>(offset), count, to.begin());
         return count;
     }
 

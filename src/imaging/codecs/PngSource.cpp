@@ -184,6 +184,7 @@ BitmapPtr PngSource::decode(std::optional<int> maximum, const std::stop_token& s
         return true;
     };
     auto bitmap = collectRows(m_size, wanted, m_profile, stop, readRow, format);
+    if (!bitmap) return nullptr;
     session.guarded([&] { png_read_end(session.state(), session.info()); });
     return turnedUpright(std::move(bitmap), orientationIn(session), stop);
 }

@@ -120,6 +120,8 @@ RawDeveloper::Development RawDeveloper::develop(std::optional<int> maximum, Pixe
         settings.gamm[1] = 12.92;
         settings.user_flip = 0; // whoever asked turns all pictures of the file alike
         settings.half_size = maximum && size().longestSide() / 2 >= *maximum ? 1 : 0;
+        // Reading the sensor data is ended between rows, what follows between steps.
+        const std::stop_callback cancel{stop, [this] { m_library->setCancelFlag(); }};
         // The handler's argument is not const, but only read.
         m_library->set_progress_handler(askWhetherToStop, const_cast<std::stop_token*>(&stop));
         const bool worked =

@@ -60,14 +60,9 @@ public:
     RawSource(FileURL url, RawLayout layout, std::unique_ptr<RawDeveloper> developer)
         : m_url{std::move(url)}, m_layout{std::move(layout)}, m_developer{std::move(developer)} {}
 
-    [[nodiscard]] std::optional<PixelSize> pixelSize() const override {
-        if (m_layout.size || !m_developer) return m_layout.size;
-        return m_developer->size();
-    }
-
+    [[nodiscard]] std::optional<PixelSize> pixelSize() const override { return m_layout.size; }
     [[nodiscard]] Orientation orientation() const override {
-        if (m_layout.orientation || !m_developer) return m_layout.orientation.value_or(Orientation{});
-        return m_developer->orientation();
+        return m_layout.orientation.value_or(Orientation{});
     }
 
     [[nodiscard]] BitmapPtr storedPreview(std::optional<int> maximum, const std::stop_token& stop) override {
@@ -139,7 +134,11 @@ std::unique_ptr<ImageSource> openRaw(const FileURL& url, ByteRange bytes) {
     std::unique_ptr<RawDeveloper> developer;
     // The library is asked only for what the file's own directories don't tell.
     if (!layout.size || !layout.orientation) developer = RawDeveloper::open(url);
-    const bool isUnderstood = developer || layout.size || !layout.previews.empty();
+    if (developer) {
+        if (!layout.size) layout.size = developer->size();
+        if (!layout.orientation) layout.orientation = developer->orientation();
+    }
+    const bool isUnderstood = layout.size || !layout.previews.empty();
     if (!isUnderstood && previewByExiv2(url, std::nullopt).empty()) return nullptr;
     return std::make_unique<RawSource>(url, std::move(layout), std::move(developer));
 }
