@@ -114,7 +114,8 @@ TEST_F(RawTest, theLargestPreviewStandsInWhenTheImageCannotBeDeveloped) {
 /// Boxes of a CR3 file, most significant byte first.
 Bytes number(std::uint64_t value, int count) {
     Bytes result;
-    for (int i = count - 1; i >= 0; --i) result.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+    for (int i = count - 1; i >= 0; --i)
+        result.push_back(static_cast<std::uint8_t>(i < 8 ? value >> (8 * i) : 0));
     return result;
 }
 
