@@ -37,8 +37,8 @@ KelvaraApp::KelvaraApp(const Options& options)
       m_locale{QLocale{}.bcp47Name().toStdString()}, m_volumeService{m_volumes, m_locale},
       m_sidecars{m_files}, m_copier{m_files, sidecarWriter(m_sidecars)}, m_images{m_main},
       m_memoryPressure{[this] { m_images.shrinkCaches(); }}, m_background{backgroundThreads},
-      m_sidecarWrites{1, ThreadPool::AtEnd::finish},
-      m_sideWindows{m_settings, QUrl{QStringLiteral(KELVARA_SUPPORT_URL)}} {
+      m_sidecarWrites{1, ThreadPool::AtEnd::finish}, m_sideWindows{m_settings, QUrl{QStringLiteral(
+                                                                                   KELVARA_SUPPORT_URL)}} {
     const LibraryServices services{.files = m_files,
                                    .background = m_background,
                                    .sidecarWrites = m_sidecarWrites,

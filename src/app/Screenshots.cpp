@@ -1,5 +1,8 @@
 #include "app/Screenshots.h"
 
+#include "views/SideWindow.h"
+
+#include <QApplication>
 #include <QDir>
 #include <QPixmap>
 
@@ -10,15 +13,115 @@
 namespace kelvara {
 
 namespace {
+
 constexpr auto interval = std::chrono::milliseconds{100};
 constexpr qint64 patience = 20'000; // milliseconds
 // A view asks for its images only after it has been laid out and painted.
 constexpr int settledLooksNeeded = 3;
+
+using Kind = WindowCommand::Kind;
+
+void nothing(LibraryViewModel&, RootView&) {}
+
+void backToGrid(LibraryViewModel& library, RootView&) { library.showGrid(); }
+
+/// The first photo that `isWanted`, else the one that has the focus.
+template <typename Predicate> void openFirst(LibraryViewModel& library, Predicate isWanted) {
+    const auto& items = library.visibleItems();
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (!isWanted(items[i])) continue;
+        library.setFocusedID(items[i].url);
+        break;
+    }
+    library.toggleViewMode();
+}
+
+void openPhoto(LibraryViewModel& library, RootView&) {
+    openFirst(library, [](const PhotoItem& item) { return item.kind() == MediaKind::raw; });
+}
+
+void toggleMarks(LibraryViewModel& library) {
+    for (const std::size_t index : {1U, 2U, 5U, 8U}) {
+        if (index < library.visibleItems().size())
+            library.toggleChecked(FileURL{library.visibleItems()[index].url});
+    }
+}
+
+SideWindow* sideWindow() {
+    for (auto* window : QApplication::topLevelWidgets()) {
+        auto* side = qobject_cast<SideWindow*>(window);
+        if (side && side->isVisible()) return side;
+    }
+    return nullptr;
+}
+
+void closeSideWindow(LibraryViewModel&, RootView&) {
+    if (auto* window = sideWindow()) window->close();
+}
+
 } // namespace
 
+std::vector<Screenshots::State> Screenshots::allStates() {
+    const auto window = [](const QString& name, Kind command) {
+        return State{name, [command](auto&, RootView& root) { root.perform({command}); }, closeSideWindow};
+    };
+    return {
+        {QStringLiteral("grid"), nothing, nothing},
+        {QStringLiteral("marked"), [](auto& library, auto&) { toggleMarks(library); },
+         [](auto& library, auto&) { library.clearMarks(); }},
+        {QStringLiteral("grid-only"), [](auto& library, auto&) { library.setShowsInspector(false); },
+         [](auto& library, auto&) { library.setShowsInspector(true); }},
+        {QStringLiteral("no-matches"), [](auto& library, auto&) { library.setSearchText("sunset"); },
+         [](auto& library, auto&) { library.setSearchText({}); }},
+        {QStringLiteral("no-marks"), [](auto& library, auto&) { library.setShowsOnlyChecked(true); },
+         [](auto& library, auto&) { library.setShowsOnlyChecked(false); }},
+        {QStringLiteral("loupe"), openPhoto, backToGrid},
+        {QStringLiteral("loupe-100"),
+         [](auto& library, auto& root) {
+             openPhoto(library, root);
+             library.requestZoom(ZoomRequest::Command::toggle);
+         },
+         backToGrid},
+        {QStringLiteral("loupe-only"),
+         [](auto& library, auto& root) {
+             openPhoto(library, root);
+             library.setShowsInspector(false);
+             library.setShowsLoupeOverlays(false);
+         },
+         [](auto& library, auto& root) {
+             library.setShowsInspector(true);
+             library.setShowsLoupeOverlays(true);
+             backToGrid(library, root);
+         }},
+        {QStringLiteral("video"),
+         [](auto& library, auto&) {
+             openFirst(library, [](const PhotoItem& item) { return item.kind() == MediaKind::video; });
+         },
+         backToGrid},
+        {QStringLiteral("unreadable"),
+         [](auto& library, auto&) {
+             openFirst(library, [](const PhotoItem& item) { return item.url.name() == "noise.CR3"; });
+         },
+         backToGrid},
+        window(QStringLiteral("settings"), Kind::showSettings),
+        window(QStringLiteral("shortcuts"), Kind::showShortcuts),
+        window(QStringLiteral("support"), Kind::showSupport),
+        window(QStringLiteral("about"), Kind::showAbout),
+    };
+}
+
+QStringList Screenshots::names() {
+    QStringList names;
+    for (const auto& state : allStates()) names.append(state.name);
+    return names;
+}
+
 Screenshots::Screenshots(LibraryViewModel& library, RootView& window, QString folder,
-                         std::function<void(int)> onEnd)
-    : m_library{library}, m_window{window}, m_folder{std::move(folder)}, m_onEnd{std::move(onEnd)} {
+                         const QStringList& names, std::function<void(int)> onEnd)
+    : m_library{library}, m_window{window}, m_folder{std::move(folder)}, m_onEnd{std::move(onEnd)},
+      m_states{allStates()} {
+    std::erase_if(m_states,
+                  [&](const State& state) { return !names.isEmpty() && !names.contains(state.name); });
     m_sinceStep.start();
     m_timer.setInterval(interval);
     connect(&m_timer, &QTimer::timeout, this, &Screenshots::look);
@@ -26,30 +129,36 @@ Screenshots::Screenshots(LibraryViewModel& library, RootView& window, QString fo
 }
 
 void Screenshots::look() {
-    m_settledLooks = m_window.isSettled() ? m_settledLooks + 1 : 0;
-    const auto isLate = m_sinceStep.hasExpired(patience);
-    const auto hasNothing = !m_library.isScanning() && m_library.visibleItems().isEmpty();
+    const auto hasNothing = !m_library.isScanning() && m_library.items().empty();
     if (hasNothing) {
         const auto& reason = m_library.scanError();
         std::fprintf(stderr, "kelvara: nothing to show%s%s\n", reason.empty() ? "" : ": ", reason.c_str());
         return end(1);
     }
+    m_settledLooks = m_window.isSettled() ? m_settledLooks + 1 : 0;
+    const auto isLate = m_sinceStep.hasExpired(patience);
     if (!isLate && m_settledLooks < settledLooksNeeded) return;
+    if (!m_isEntered) return enterNext();
+    if (!save(m_states.front().name)) return end(1);
+    m_states.front().leave(m_library, m_window);
+    m_states.erase(m_states.begin());
+    enterNext();
+}
+
+void Screenshots::enterNext() {
+    if (m_states.empty()) return end(0);
+    m_states.front().enter(m_library, m_window);
+    m_isEntered = true;
     m_settledLooks = 0;
     m_sinceStep.restart();
-    if (m_step == Step::grid) {
-        if (!save(QStringLiteral("grid.png"))) return end(1);
-        m_step = Step::loupe;
-        m_library.toggleViewMode();
-        return;
-    }
-    end(save(QStringLiteral("loupe.png")) ? 0 : 1);
 }
 
 bool Screenshots::save(const QString& name) {
     const QDir folder{m_folder};
-    const auto path = folder.filePath(name);
-    if (!folder.mkpath(QStringLiteral(".")) || !m_window.grab().save(path)) {
+    const auto path = folder.filePath(name + QStringLiteral(".png"));
+    auto* side = sideWindow();
+    auto picture = side ? side->grab() : m_window.grab();
+    if (!folder.mkpath(QStringLiteral(".")) || !picture.save(path)) {
         std::fprintf(stderr, "kelvara: couldn't write %s\n", qPrintable(path));
         return false;
     }
@@ -58,7 +167,6 @@ bool Screenshots::save(const QString& name) {
 }
 
 void Screenshots::end(int status) {
-    m_step = Step::done;
     m_timer.stop();
     m_onEnd(status);
 }

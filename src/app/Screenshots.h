@@ -5,24 +5,40 @@
 
 #include <QElapsedTimer>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 
 #include <functional>
+#include <vector>
 
 namespace kelvara {
 
-/// Takes pictures of the real window for documentation and servers: the grid once its thumbnails are there,
-/// then the single image at full resolution. What is not there after 20 seconds is taken as it is.
+/// Takes pictures of the real windows in their states, one after the other, for documentation and servers:
+/// each once its photos are there. What is not there after 20 seconds is taken as it is.
 class Screenshots : public QObject {
     Q_OBJECT
 
 public:
-    /// `onEnd` gets the exit status: 0 when both pictures were written. References outlive it.
-    Screenshots(LibraryViewModel& library, RootView& window, QString folder, std::function<void(int)> onEnd);
+    /// Writes "NAME.png" to `folder` for each of `names`, or for every state where there are none. `onEnd`
+    /// gets the exit status: 0 when all were written. References outlive it.
+    Screenshots(LibraryViewModel& library, RootView& window, QString folder, const QStringList& names,
+                std::function<void(int)> onEnd);
+
+    /// Of all states, in the order in which they are taken.
+    [[nodiscard]] static QStringList names();
 
 private:
-    enum class Step { grid, loupe, done };
+    /// A state of the application that a picture shows.
+    struct State {
+        QString name;
+        std::function<void(LibraryViewModel&, RootView&)> enter;
+        /// Back to the grid as it was.
+        std::function<void(LibraryViewModel&, RootView&)> leave;
+    };
+    [[nodiscard]] static std::vector<State> allStates();
+
     void look();
+    void enterNext();
     bool save(const QString& name);
     void end(int status);
 
@@ -30,7 +46,8 @@ private:
     RootView& m_window;
     QString m_folder;
     std::function<void(int)> m_onEnd;
-    Step m_step = Step::grid;
+    std::vector<State> m_states; // to come; the first one is shown
+    bool m_isEntered = false;
     int m_settledLooks = 0;
     QElapsedTimer m_sinceStep;
     QTimer m_timer;

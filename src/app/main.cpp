@@ -23,6 +23,7 @@ using kelvara::Theme;
 struct Arguments {
     kelvara::FileURL folder;
     QString screenshotFolder;
+    QStringList screenshotNames; ///< Empty for all.
     std::optional<Theme::Appearance> appearance;
     std::optional<QSize> size;
 };
@@ -45,14 +46,18 @@ Arguments parse(const QCoreApplication& application) {
         QStringLiteral("Goes through a memory card's photos, marks the keepers and copies them safely."));
     parser.addHelpOption();
     parser.addVersionOption();
-    const QCommandLineOption screenshots{QStringLiteral("screenshots"),
-                                         QStringLiteral("Write grid.png and loupe.png to <folder> and quit."),
-                                         QStringLiteral("folder")};
+    const QCommandLineOption screenshots{
+        QStringLiteral("screenshots"), QStringLiteral("Write pictures of the windows to <folder> and quit."),
+        QStringLiteral("folder")};
+    const QCommandLineOption states{QStringLiteral("states"),
+                                    QStringLiteral("Of which states: %1. All where none are named.")
+                                        .arg(kelvara::Screenshots::names().join(QStringLiteral(","))),
+                                    QStringLiteral("state,...")};
     const QCommandLineOption theme{QStringLiteral("theme"), QStringLiteral("Look: dark or light."),
                                    QStringLiteral("dark|light")};
     const QCommandLineOption size{QStringLiteral("size"), QStringLiteral("Size of the window in points."),
                                   QStringLiteral("WxH")};
-    parser.addOptions({screenshots, theme, size});
+    parser.addOptions({screenshots, states, theme, size});
     parser.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("The folder or card to open."),
                                  QStringLiteral("[folder]"));
     parser.process(application);
@@ -66,6 +71,11 @@ Arguments parse(const QCoreApplication& application) {
                                            QFile::encodeName(QDir::currentPath()).toStdString());
     }
     arguments.screenshotFolder = parser.value(screenshots);
+    arguments.screenshotNames = parser.value(states).split(u',', Qt::SkipEmptyParts);
+    for (const auto& name : arguments.screenshotNames) {
+        if (!kelvara::Screenshots::names().contains(name))
+            refuse(QStringLiteral("there is no state \"%1\" to show.").arg(name));
+    }
     if (parser.isSet(screenshots) && arguments.folder.isEmpty()) {
         refuse(QStringLiteral("--screenshots needs a folder of photos to show."));
     }
@@ -138,7 +148,7 @@ int main(int argumentCount, char** argumentValues) {
     std::optional<kelvara::Screenshots> screenshots;
     if (takesScreenshots) {
         screenshots.emplace(app.library(), app.window(), arguments.screenshotFolder,
-                            [](int status) { QCoreApplication::exit(status); });
+                            arguments.screenshotNames, [](int status) { QCoreApplication::exit(status); });
     }
     return QApplication::exec();
 }

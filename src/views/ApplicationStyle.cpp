@@ -173,6 +173,7 @@ int ApplicationStyle::styleHint(StyleHint hint, const QStyleOption* option, cons
         if (reducedMotion) return 0;
         break;
     case SH_MenuBar_AltKeyNavigation: // Alt with the wheel zooms; letting it go afterwards must open nothing
+    case SH_UnderlineShortcut:
     case SH_DialogButtonBox_ButtonsHaveIcons:
     case SH_EtchDisabledText:
         return 0;

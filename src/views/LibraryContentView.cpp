@@ -103,7 +103,8 @@ void LibraryContentView::refresh() {
 void LibraryContentView::focusPhotos() { m_stack->currentWidget()->setFocus(Qt::OtherFocusReason); }
 
 bool LibraryContentView::isSettled() const {
-    if (m_empty->cause() || m_library.isScanning()) return false;
+    if (m_library.isScanning()) return false;
+    if (m_empty->cause()) return true;
     if (m_library.showsInspector() && m_canvases.isInspectorLoading()) return false;
     return !(m_library.viewMode() == ViewMode::grid ? m_canvases.isGridLoading()
                                                     : m_canvases.isLoupeLoading());

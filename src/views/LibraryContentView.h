@@ -39,7 +39,7 @@ public:
 
     /// Gives the keyboard to the photos.
     void focusPhotos();
-    /// Whether photos are shown and nothing that is in sight is still on its way.
+    /// Whether nothing that belongs in sight is still on its way.
     [[nodiscard]] bool isSettled() const;
 
 protected:
