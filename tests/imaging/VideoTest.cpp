@@ -87,5 +87,19 @@ TEST(VideoTest, thePosterIsAFrameAfterTheOpeningAndUpright) {
     }
 }
 
+TEST(VideoTest, everyPixelOfAnUnscaledFrameIsFilled) {
+    const TemporaryFolder folder;
+    for (const PixelSize size : {PixelSize{134, 64}, PixelSize{130, 66}}) {
+        const auto url = folder.at("a.mp4");
+        ASSERT_NO_FATAL_FAILURE(writeVideo(url.path(), size));
+        const auto poster = ImageDecoder::decodeOriginal(url, std::nullopt, {});
+        ASSERT_TRUE(poster);
+        for (int y = 0; y < poster->height(); ++y) {
+            for (int x = 0; x < poster->width(); ++x)
+                ASSERT_TRUE(isNear(colorAt(*poster, x, y), {214, 214, 214}, 10)) << x << ' ' << y;
+        }
+    }
+}
+
 } // namespace
 } // namespace kelvara

@@ -45,9 +45,12 @@ Owned<AVCodecContext> openDecoder(const AVStream& stream) {
 
 /// The frame's colours as sRGB pixels, scaled to the size in which it is shown.
 BitmapPtr bitmapOf(const AVFrame& frame, PixelSize size) {
+    // The fast conversion, which this flag rules out, leaves the last columns of a frame that isn't scaled
+    // unwritten unless its width is a multiple of eight.
+    constexpr int flags = SWS_AREA | SWS_ACCURATE_RND;
     const Owned<SwsContext> scaler{
         sws_getContext(frame.width, frame.height, static_cast<AVPixelFormat>(frame.format), size.width,
-                       size.height, AV_PIX_FMT_BGR0, SWS_AREA, nullptr, nullptr, nullptr)};
+                       size.height, AV_PIX_FMT_BGR0, flags, nullptr, nullptr, nullptr)};
     auto bitmap = Bitmap::create(size, ColorProfile::sRGB());
     if (!scaler || !bitmap) return nullptr;
     // High definition uses other coefficients than what the library assumes where a stream says nothing.
