@@ -43,7 +43,9 @@ BitmapPtr original(const FileURL& url, std::optional<int> maximum, const std::st
 }
 
 BitmapPtr storedThumbnail(const FileURL& url, const std::stop_token& stop) {
-    if (isRaw(url)) return nullptr;
+    // Nor has a film any, and opening one takes long.
+    const auto kind = mediaKind(url.extension());
+    if (kind == MediaKind::raw || kind == MediaKind::video) return nullptr;
     const auto source = ImageSource::open(url);
     if (!source) return nullptr;
     auto preview = source->storedPreview(quickThumbnailSize, stop);
@@ -70,7 +72,8 @@ BitmapPtr cropLetterbox(BitmapPtr preview, std::optional<PixelSize> fileSize, Or
 }
 
 BitmapPtr prepareForDisplay(BitmapPtr bitmap, const std::stop_token& stop) {
-    return converted(std::move(bitmap), DisplayColorSpace::current(), PixelFormat::bgrx8, stop);
+    return orNothing(
+        [&] { return converted(std::move(bitmap), DisplayColorSpace::current(), PixelFormat::bgrx8, stop); });
 }
 
 } // namespace kelvara::ImageDecoder
