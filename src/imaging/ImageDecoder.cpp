@@ -31,7 +31,7 @@ BitmapPtr original(const FileURL& url, std::optional<int> maximum, const std::st
     const auto source = ImageSource::open(url);
     if (!source) return nullptr;
     auto target = maximum;
-    if (const auto size = source->pixelSize())
+    if (const auto size = source->pixelSize(); size && !size->isEmpty())
         target = std::min(target.value_or(size->longestSide()), size->longestSide());
     if (isRaw(url)) {
         const auto preview = source->storedPreview(maximum, stop);
