@@ -1,10 +1,10 @@
 #include "views/FolderChooserDialog.h"
 
 #include "views/Controls.h"
+#include "views/LocalURL.h"
 #include "views/Text.h"
 
 #include <QCheckBox>
-#include <QFile>
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QStandardPaths>
@@ -15,10 +15,6 @@
 namespace kelvara {
 
 namespace {
-
-QUrl urlOf(const FileURL& folder) {
-    return QUrl::fromLocalFile(QFile::decodeName(QByteArray::fromStdString(folder.path())));
-}
 
 /// Adds what the desktop's dialogs don't have: below the list a sentence and a check box.
 QCheckBox* addControls(QFileDialog& dialog, const FolderChooser::Request& request) {
@@ -65,7 +61,7 @@ void FolderChooserDialog::choose(const Request& request, std::function<void(std:
     m_dialog->setLabelText(QFileDialog::Accept, text(request.prompt));
     m_dialog->setWindowTitle(request.message.empty() ? text(request.prompt) : text(request.message));
     auto* box = request.checkBox.empty() ? nullptr : addControls(*m_dialog, request);
-    if (!request.startFolder.isEmpty()) m_dialog->setDirectoryUrl(urlOf(request.startFolder));
+    if (!request.startFolder.isEmpty()) m_dialog->setDirectoryUrl(toQUrl(request.startFolder));
 
     QObject::connect(m_dialog, &QDialog::finished, m_dialog,
                      [dialog = m_dialog, box, onEnd = std::move(onEnd)](int result) {
@@ -74,8 +70,7 @@ void FolderChooserDialog::choose(const Request& request, std::function<void(std:
                              !chosen.first().isLocalFile()) {
                              return onEnd(std::nullopt);
                          }
-                         const auto path = QFile::encodeName(chosen.first().toLocalFile()).toStdString();
-                         onEnd(Choice{FileURL::standardized(path), box && box->isChecked()});
+                         onEnd(Choice{fromQUrl(chosen.first()), box && box->isChecked()});
                      });
     m_dialog->open();
 }

@@ -4,6 +4,7 @@
 #include "platform/Preferences.h"
 #include "views/CopySheet.h"
 #include "views/EmptyState.h"
+#include "views/LocalURL.h"
 #include "views/MainMenu.h"
 #include "views/PhotoCommands.h"
 #include "views/Sheet.h"
@@ -14,13 +15,11 @@
 
 #include <QApplication>
 #include <QDragEnterEvent>
-#include <QFile>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
 #include <QScreen>
 #include <QSplitter>
-#include <QUrl>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -56,11 +55,12 @@ protected:
     }
 };
 
-/// The first local path in `data`; the file system is not asked.
-FileURL droppedPath(const QMimeData& data) {
-    for (const auto& url : data.urls()) {
-        if (url.isLocalFile())
-            return FileURL::standardized(QFile::encodeName(url.toLocalFile()).toStdString());
+/// The first local path that is dragged in; the file system is not asked. Empty for the window's own photos,
+/// which are on their way to another program.
+FileURL droppedPath(const QDropEvent& event) {
+    if (event.source()) return {};
+    for (const auto& url : event.mimeData()->urls()) {
+        if (url.isLocalFile()) return fromQUrl(url);
     }
     return {};
 }
@@ -151,7 +151,7 @@ void RootView::changeEvent(QEvent* event) {
 }
 
 void RootView::dragEnterEvent(QDragEnterEvent* event) {
-    if (hasSheet() || droppedPath(*event->mimeData()).isEmpty()) return;
+    if (hasSheet() || droppedPath(*event).isEmpty()) return;
     event->setDropAction(Qt::LinkAction); // nothing is moved or copied
     event->accept();
     m_dropFrame->setGeometry(rect());
@@ -163,7 +163,7 @@ void RootView::dragLeaveEvent(QDragLeaveEvent*) { m_dropFrame->hide(); }
 
 void RootView::dropEvent(QDropEvent* event) {
     m_dropFrame->hide();
-    if (const auto path = droppedPath(*event->mimeData()); !path.isEmpty()) {
+    if (const auto path = droppedPath(*event); !path.isEmpty()) {
         event->acceptProposedAction();
         m_onDrop(path);
     }
