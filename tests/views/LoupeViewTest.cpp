@@ -3,6 +3,7 @@
 #include "views/PictureFixture.h"
 #include "views/ZoomableImageView.h"
 
+#include <QLabel>
 #include <QTest>
 
 #include <cmath>
@@ -174,6 +175,27 @@ TEST_F(LoupeViewTest, draggingMovesAZoomedPictureOnly) {
     EXPECT_DOUBLE_EQ(image.geometry().origin().x, origin.x + 20);
     EXPECT_DOUBLE_EQ(image.geometry().origin().y, origin.y + 30);
     EXPECT_EQ(image.cursor().shape(), Qt::OpenHandCursor);
+}
+
+TEST_F(LoupeViewTest, nothingInTheInfoBarIsCutHoweverNarrowItIs) {
+    LoupeInfoBar bar;
+    bar.show({.url = FileURL{"/card/a rather long name of a file.jpg"},
+              .position = 10'885,
+              .total = 16'000,
+              .exposure = QStringLiteral("ƒ/2.8 · 1/8000s · ISO 12800"),
+              .isChecked = true,
+              .rating = *Rating::fromRawValue(5),
+              .zoom = ZoomState{100, true},
+              .isLoadingFullResolution = true});
+    bar.setVisible(true);
+    for (int width = 240; width < 1400; width += 20) {
+        bar.resize(width, bar.height());
+        QCoreApplication::processEvents();
+        for (const auto* part : bar.findChildren<QLabel*>()) {
+            if (!part->isVisible()) continue;
+            EXPECT_GE(part->width(), part->minimumSizeHint().width()) << part->text().toStdString() << width;
+        }
+    }
 }
 
 TEST_F(LoupeViewTest, theExposureInTheInfoBarIsThatOfTheFocusedPhoto) {
