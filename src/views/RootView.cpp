@@ -87,6 +87,8 @@ RootView::RootView(LibraryViewModel& library, Preferences& preferences, Desktop&
     m_splitter->addWidget(m_content);
     m_splitter->setStretchFactor(0, 0);
     m_splitter->setStretchFactor(1, 1);
+    connect(m_splitter, &QSplitter::splitterMoved, this,
+            [this, sidebar] { m_preferences.setInteger(sidebarKey, sidebar->width()); });
     auto* column = new QVBoxLayout{this};
     column->setContentsMargins(0, 0, 0, 0);
     column->setMenuBar(m_menu);
@@ -122,17 +124,23 @@ void RootView::refreshTitle() {
 }
 
 void RootView::restoreGeometryOr(const QSize& size) {
-    const auto sidebarWidth = static_cast<int>(m_preferences.integer(sidebarKey).value_or(usualSidebarWidth));
     const auto saved = m_preferences.text(frameKey);
     if (!saved || !restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(*saved)))) {
         resize(size.boundedTo(screen()->availableSize() * 0.92));
     }
-    m_splitter->setSizes({sidebarWidth, std::max(1, width() - sidebarWidth)});
+    restoreSidebarWidth();
 }
 
-void RootView::saveFrame() {
-    m_preferences.setText(frameKey, saveGeometry().toBase64().toStdString());
-    m_preferences.setInteger(sidebarKey, m_splitter->sizes().value(0, usualSidebarWidth));
+void RootView::saveFrame() { m_preferences.setText(frameKey, saveGeometry().toBase64().toStdString()); }
+
+void RootView::restoreSidebarWidth() {
+    const auto width = static_cast<int>(m_preferences.integer(sidebarKey).value_or(usualSidebarWidth));
+    m_splitter->setSizes({width, std::max(1, this->width() - width)});
+}
+
+void RootView::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    restoreSidebarWidth(); // what a narrow window took from it
 }
 
 void RootView::keepSize(const QSize& size) {

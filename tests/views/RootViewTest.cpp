@@ -281,6 +281,24 @@ TEST_F(RootViewTest, everyControlHasANameForAssistiveTools) {
     }
 }
 
+TEST_F(RootViewTest, theSidebarKeepsTheWidthTheUserGaveItThroughANarrowWindow) {
+    open({"a.jpg"}).keepSize({1400, 800});
+    QCoreApplication::processEvents();
+    auto* splitter = m_window->findChild<QSplitter*>(QString{}, Qt::FindDirectChildrenOnly);
+    splitter->setSizes({300, 1100});
+    emit splitter->splitterMoved(300, 1);
+    const auto width = splitter->sizes()[0];
+    m_window->keepSize(m_window->minimumSize());
+    QCoreApplication::processEvents();
+    EXPECT_LT(splitter->sizes()[0], width);
+    m_window->close();
+    m_window.reset();
+    open({"a.jpg"}).keepSize({1400, 800});
+    QCoreApplication::processEvents();
+    splitter = m_window->findChild<QSplitter*>(QString{}, Qt::FindDirectChildrenOnly);
+    EXPECT_NEAR(splitter->sizes()[0], width, 1);
+}
+
 TEST_F(RootViewTest, theInspectorComesAndGoesAndKeepsItsWidth) {
     open({"a.jpg"}).keepSize({1400, 800});
     QCoreApplication::processEvents();
