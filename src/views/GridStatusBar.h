@@ -12,8 +12,12 @@ class GridStatusBar : public Panel {
 public:
     explicit GridStatusBar(LibraryViewModel& library, QWidget* parent = nullptr);
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     void refresh();
+    void makeRoom();
 
     LibraryViewModel& m_library;
     QLabel* m_shown;

@@ -84,14 +84,17 @@ QWidget* LoupeView::makeCannotPreview() {
     auto* title = makeLabel(TextRole::title, Tone::normal, page, tr("Can't Preview"));
     auto* description = makeLabel(TextRole::body, Tone::quiet, page,
                                   tr("This file may be damaged or in an unsupported format."));
+    description->setWordWrap(true);
+    description->setAlignment(Qt::AlignCenter);
     auto* column = new QVBoxLayout{page};
+    column->setContentsMargins(spacing::large, 0, spacing::large, 0);
     column->setSpacing(0);
     column->addStretch(5);
     column->addWidget(m_cannotPreviewSymbol, 0, Qt::AlignHCenter);
     column->addSpacing(spacing::large);
     column->addWidget(title, 0, Qt::AlignHCenter);
     column->addSpacing(spacing::small);
-    column->addWidget(description, 0, Qt::AlignHCenter);
+    column->addWidget(description);
     column->addStretch(6);
     return page;
 }

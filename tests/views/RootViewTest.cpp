@@ -11,6 +11,7 @@
 
 #include <QApplication>
 #include <QDropEvent>
+#include <QLabel>
 #include <QMimeData>
 #include <QPushButton>
 #include <QScreen>
@@ -252,6 +253,25 @@ TEST_F(RootViewTest, anEmptyGridOffersTheWayOutAndTakesItByMouse) {
     EXPECT_EQ(m_library->searchText(), "");
     EXPECT_TRUE(m_grid->isVisible());
     EXPECT_TRUE(m_window->isSettled());
+}
+
+TEST_F(RootViewTest, noTextIsCutInTheSmallestWindow) {
+    auto& window = open({"a.jpg", "b.jpg"});
+    window.keepSize(window.minimumSize());
+    const auto expectWholeTexts = [&window] {
+        QCoreApplication::processEvents();
+        for (const auto* label : window.findChildren<QLabel*>()) {
+            if (!label->isVisible() || label->text().isEmpty()) continue;
+            EXPECT_TRUE(label->parentWidget()->rect().contains(label->geometry()))
+                << label->text().toStdString();
+            EXPECT_GE(label->width(), label->minimumSizeHint().width()) << label->text().toStdString();
+        }
+    };
+    press(Qt::Key_S);
+    expectWholeTexts();
+    m_library->setSearchText("nothing at all");
+    ASSERT_NE(visibleButton("Clear Search"), nullptr);
+    expectWholeTexts();
 }
 
 TEST_F(RootViewTest, theWindowComesBackAsItWasLeftButNotLargerThanTheScreen) {
