@@ -8,6 +8,7 @@
 #include "views/MainMenu.h"
 #include "views/PhotoCommands.h"
 #include "views/Sheet.h"
+#include "views/SideWindow.h"
 #include "views/SideWindows.h"
 #include "views/SourceSidebar.h"
 #include "views/Text.h"
@@ -182,12 +183,15 @@ bool RootView::hasSheet() const { return m_copySheetFrame->isVisible() || m_aler
 bool RootView::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress || QApplication::activePopupWidget() || hasSheet()) return false;
     const auto* receiver = qobject_cast<const QWidget*>(watched);
-    if (!receiver || receiver->window() != this || QApplication::activeModalWidget()) return false;
+    if (!receiver || QApplication::activeModalWidget()) return false;
+    const auto* window = receiver->window();
+    const auto isBeside = qobject_cast<const SideWindow*>(window) && window->parentWidget() == this;
+    if (window != this && !isBeside) return false;
     // A key that nobody takes travels up through the parents; the window looks at it once.
-    if (focusWidget() && receiver != focusWidget()) return false;
+    if (window->focusWidget() && receiver != window->focusWidget()) return false;
     const auto& key = *static_cast<const QKeyEvent*>(event);
     const auto command = windowCommand(key.key(), key.modifiers(), keyFocus(receiver), m_library.viewMode());
-    if (!command) return false;
+    if (!command || (isBeside && !command->isForEveryWindow())) return false;
     if (!key.isAutoRepeat() || command->repeats()) perform(*command);
     return true;
 }

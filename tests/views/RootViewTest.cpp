@@ -5,6 +5,7 @@
 #include "views/KeyboardShortcutsView.h"
 #include "views/MainMenu.h"
 #include "views/SearchField.h"
+#include "views/SettingsView.h"
 #include "views/SideWindows.h"
 #include "views/SidebarRow.h"
 #include "views/SupportView.h"
@@ -128,7 +129,15 @@ TEST_F(RootViewTest, aMenuKeyActsOnceAndTheFieldKeepsTheKeysThatEditItsText) {
     press(Qt::Key_Return, Qt::ControlModifier);
     EXPECT_EQ(m_chooser.requests.size(), 2U); // where to copy
     press(Qt::Key_Slash, Qt::ControlModifier);
-    EXPECT_EQ(m_window->findChildren<KeyboardShortcutsView*>().size(), 1);
+    ASSERT_EQ(m_window->findChildren<KeyboardShortcutsView*>().size(), 1);
+    // From there, what concerns the photos is out of reach.
+    auto* shortcuts = m_window->findChild<KeyboardShortcutsView*>();
+    QTest::keyClick(shortcuts, Qt::Key_O, Qt::ControlModifier);
+    QTest::keyClick(shortcuts, Qt::Key_S);
+    EXPECT_EQ(m_chooser.requests.size(), 2U);
+    EXPECT_TRUE(m_library->isChecked(m_card / "a.jpg"));
+    QTest::keyClick(shortcuts, Qt::Key_Comma, Qt::ControlModifier);
+    EXPECT_TRUE(m_window->findChild<SettingsView*>());
     m_window->activateWindow();
 
     press(Qt::Key_F, Qt::ControlModifier);
