@@ -7,6 +7,7 @@
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QGridLayout>
+#include <QSplitter>
 #include <QStandardPaths>
 #include <QUrl>
 
@@ -41,6 +42,7 @@ QCheckBox* addControls(QFileDialog& dialog, const FolderChooser::Request& reques
     dialog.setSidebarUrls(places);
     dialog.setViewMode(QFileDialog::List);
     dialog.resize(820, 540);
+    if (auto* splitter = dialog.findChild<QSplitter*>()) splitter->setSizes({180, 640});
     return box;
 }
 
