@@ -4,6 +4,7 @@
 #include "views/Symbols.h"
 #include "views/Text.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 
 namespace kelvara {
@@ -50,6 +51,11 @@ GridStatusBar::GridStatusBar(LibraryViewModel& library, QWidget* parent)
 void GridStatusBar::resizeEvent(QResizeEvent* event) {
     Panel::resizeEvent(event);
     makeRoom();
+}
+
+void GridStatusBar::changeEvent(QEvent* event) {
+    Panel::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) refresh();
 }
 
 void GridStatusBar::makeRoom() {

@@ -41,6 +41,17 @@ protected:
 
 } // namespace
 
+TEST_F(LoupeViewTest, assistiveToolsReadWhichPhotoIsShownAndHowItWasJudged) {
+    addPhotos(2);
+    show();
+    focus(1);
+    EXPECT_EQ(m_loupe->accessibleName().toStdString(), photo(1).name());
+    EXPECT_EQ(m_loupe->accessibleDescription(), "");
+    m_library->toggleChecked(photo(1));
+    m_library->setRating(*Rating::fromRawValue(3), photo(1));
+    EXPECT_EQ(m_loupe->accessibleDescription(), "Marked, 3 of 5 stars");
+}
+
 TEST_F(LoupeViewTest, showsAThumbnailFirstAndThenTheFullPicture) {
     addPhoto("a.jpg", QColor::fromHsv(100, 200, 200), {2400, 1600});
     show();
@@ -124,6 +135,7 @@ TEST_F(LoupeViewTest, aFileThatCannotBeReadShowsThatItCannot) {
     focus(1);
     settlePictures();
     EXPECT_TRUE(m_loupe->pictures().shown().isUnreadable);
+    EXPECT_TRUE(m_loupe->accessibleName().startsWith("Can't read "));
     EXPECT_FALSE(view().isVisible());
     EXPECT_FALSE(m_loupe->isLoading());
     focus(0);
