@@ -8,13 +8,16 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QDir>
-#include <QFile>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <optional>
+#include <span>
+#include <string>
+#include <system_error>
 
 namespace {
 
@@ -40,7 +43,14 @@ std::optional<QSize> parsedSize(const QString& text) {
     return size.isEmpty() ? std::nullopt : std::optional{size};
 }
 
-Arguments parse(const QCoreApplication& application) {
+/// The argument as it was given: what is no UTF-8 in it is lost in `argument`.
+std::string bytes(const QString& argument, std::span<char* const> values) {
+    const auto isIt = [&](const char* value) { return QString::fromLocal8Bit(value) == argument; };
+    const auto found = std::ranges::find_if(values, isIt);
+    return found == values.end() ? argument.toStdString() : *found;
+}
+
+Arguments parse(const QCoreApplication& application, std::span<char* const> values) {
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Goes through a memory card's photos, marks the keepers and copies them safely."));
@@ -66,9 +76,9 @@ Arguments parse(const QCoreApplication& application) {
     const auto folders = parser.positionalArguments();
     if (folders.size() > 1) refuse(QStringLiteral("only one folder can be opened."));
     if (!folders.isEmpty()) {
-        arguments.folder =
-            kelvara::FileURL::standardized(QFile::encodeName(folders.first()).toStdString(),
-                                           QFile::encodeName(QDir::currentPath()).toStdString());
+        std::error_code noFolder;
+        arguments.folder = kelvara::FileURL::standardized(bytes(folders.first(), values),
+                                                          std::filesystem::current_path(noFolder).native());
     }
     arguments.screenshotFolder = parser.value(screenshots);
     arguments.screenshotNames = parser.value(states).split(u',', Qt::SkipEmptyParts);
@@ -123,7 +133,7 @@ int main(int argumentCount, char** argumentValues) {
     QCoreApplication::setApplicationName(QStringLiteral("Kelvara"));
     QCoreApplication::setApplicationVersion(QStringLiteral(KELVARA_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("kelvara"));
-    const auto arguments = parse(application);
+    const auto arguments = parse(application, {argumentValues, static_cast<std::size_t>(argumentCount)});
     kelvara::installPlatformCatalogue(application);
     QGuiApplication::setWindowIcon(kelvara::applicationIcon());
 

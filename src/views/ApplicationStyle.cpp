@@ -2,8 +2,8 @@
 
 #include "views/Symbols.h"
 
+#include <QAbstractButton>
 #include <QApplication>
-#include <QCheckBox>
 #include <QFile>
 #include <QMenu>
 #include <QPainter>
@@ -153,8 +153,8 @@ ApplicationStyle::ApplicationStyle() : QProxyStyle{QStringLiteral("Fusion")} {}
 void ApplicationStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                      const QWidget* widget) const {
     if (element == PE_IndicatorCheckBox) return drawCheckBox(*option, *painter);
-    // Its box has a ring of its own.
-    if (element == PE_FrameFocusRect && qobject_cast<const QCheckBox*>(widget)) return;
+    // They have rings of their own.
+    if (element == PE_FrameFocusRect && qobject_cast<const QAbstractButton*>(widget)) return;
     if (element == PE_IndicatorMenuCheckMark) {
         if (option->state & State_On) drawMenuSign(u"checkmark", *option, *painter);
         return;

@@ -7,6 +7,8 @@
 
 #include <chrono>
 
+#include <algorithm>
+
 namespace kelvara {
 
 namespace {
@@ -24,7 +26,6 @@ EmptyStateView::EmptyStateView(LibraryViewModel& library, QWidget* parent)
     m_title->setWordWrap(true);
     m_description->setWordWrap(true);
     for (auto* label : {m_symbol, m_title, m_description}) label->setAlignment(Qt::AlignCenter);
-    for (auto* label : {m_title, m_description}) label->setFixedWidth(textWidth);
     m_button->setFocusPolicy(Qt::TabFocus);
     connect(m_button, &QPushButton::clicked, this, [this] {
         if (m_cause) removeCause(*m_cause, m_library);
@@ -32,7 +33,7 @@ EmptyStateView::EmptyStateView(LibraryViewModel& library, QWidget* parent)
 
     auto* column = new QVBoxLayout{this};
     column->setSpacing(0);
-    column->setContentsMargins(spacing::huge, spacing::huge, spacing::huge, spacing::huge);
+    column->setContentsMargins(spacing::large, spacing::huge, spacing::large, spacing::huge);
     column->addStretch(5);
     column->addWidget(m_symbol, 0, Qt::AlignHCenter);
     column->addWidget(m_busy, 0, Qt::AlignHCenter);
@@ -87,6 +88,12 @@ void EmptyStateView::showText() {
 void EmptyStateView::showSymbol() {
     if (m_symbolName.isEmpty()) return m_symbol->clear();
     m_symbol->setPixmap(symbol(m_symbolName, symbolSide, Theme::current().tertiaryText, devicePixelRatioF()));
+}
+
+void EmptyStateView::resizeEvent(QResizeEvent* event) {
+    Panel::resizeEvent(event);
+    const auto width = std::clamp(this->width() - 2 * spacing::large, 1, textWidth);
+    for (auto* label : {m_title, m_description}) label->setFixedWidth(width);
 }
 
 void EmptyStateView::changeEvent(QEvent* event) {

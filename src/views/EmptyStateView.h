@@ -25,6 +25,7 @@ signals:
     void causeChanged();
 
 protected:
+    void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:

@@ -18,7 +18,8 @@ namespace {
 
 QString stars(int count) { return QString{count, u'★'}; }
 
-constexpr int roomForChips = 400;
+constexpr int roomForChips = 460;
+constexpr int roomForPlaceholder = 300;
 
 QToolButton* makeMenuButton(QStringView symbolName, const QString& name, QMenu* menu, QWidget* parent) {
     auto* button = makeIconButton(symbolName, name, {}, parent);
@@ -37,7 +38,6 @@ FilterBar::FilterBar(LibraryViewModel& library, QWidget* parent)
     m_roomIsDue.setInterval(0);
     connect(&m_roomIsDue, &QTimer::timeout, this, &FilterBar::makeRoom);
     m_search = new SearchField{library, this};
-    m_search->setMinimumWidth(130);
     m_search->setMaximumWidth(260);
     makeMenus();
     makeChips();
@@ -238,6 +238,7 @@ void FilterBar::fillSortMenu() {
 void FilterBar::makeRoom() {
     const auto isNarrow = width() < 600;
     m_sortButton->setToolButtonStyle(isNarrow ? Qt::ToolButtonIconOnly : Qt::ToolButtonTextBesideIcon);
+    m_search->setMinimumWidth(width() >= roomForPlaceholder ? 166 : 110);
     // The filter button's menu has them too.
     for (auto* chip : {m_marked, m_rating}) chip->setVisible(width() >= roomForChips);
 

@@ -1,12 +1,13 @@
 #include "views/FolderChooserDialog.h"
 
 #include "views/Controls.h"
+#include "views/LocalURL.h"
 #include "views/Text.h"
 
 #include <QCheckBox>
-#include <QFile>
 #include <QFileDialog>
 #include <QGridLayout>
+#include <QSplitter>
 #include <QStandardPaths>
 #include <QUrl>
 
@@ -15,10 +16,6 @@
 namespace kelvara {
 
 namespace {
-
-QUrl urlOf(const FileURL& folder) {
-    return QUrl::fromLocalFile(QFile::decodeName(QByteArray::fromStdString(folder.path())));
-}
 
 /// Adds what the desktop's dialogs don't have: below the list a sentence and a check box.
 QCheckBox* addControls(QFileDialog& dialog, const FolderChooser::Request& request) {
@@ -45,6 +42,7 @@ QCheckBox* addControls(QFileDialog& dialog, const FolderChooser::Request& reques
     dialog.setSidebarUrls(places);
     dialog.setViewMode(QFileDialog::List);
     dialog.resize(820, 540);
+    if (auto* splitter = dialog.findChild<QSplitter*>()) splitter->setSizes({180, 640});
     return box;
 }
 
@@ -65,7 +63,7 @@ void FolderChooserDialog::choose(const Request& request, std::function<void(std:
     m_dialog->setLabelText(QFileDialog::Accept, text(request.prompt));
     m_dialog->setWindowTitle(request.message.empty() ? text(request.prompt) : text(request.message));
     auto* box = request.checkBox.empty() ? nullptr : addControls(*m_dialog, request);
-    if (!request.startFolder.isEmpty()) m_dialog->setDirectoryUrl(urlOf(request.startFolder));
+    if (!request.startFolder.isEmpty()) m_dialog->setDirectoryUrl(toQUrl(request.startFolder));
 
     QObject::connect(m_dialog, &QDialog::finished, m_dialog,
                      [dialog = m_dialog, box, onEnd = std::move(onEnd)](int result) {
@@ -74,8 +72,7 @@ void FolderChooserDialog::choose(const Request& request, std::function<void(std:
                              !chosen.first().isLocalFile()) {
                              return onEnd(std::nullopt);
                          }
-                         const auto path = QFile::encodeName(chosen.first().toLocalFile()).toStdString();
-                         onEnd(Choice{FileURL::standardized(path), box && box->isChecked()});
+                         onEnd(Choice{fromQUrl(chosen.first()), box && box->isChecked()});
                      });
     m_dialog->open();
 }

@@ -4,9 +4,16 @@
 #include "views/Symbols.h"
 #include "views/Text.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 
 namespace kelvara {
+
+namespace {
+constexpr int roomForName = 440;
+constexpr int roomForBytes = 380;
+constexpr int roomForAll = 300;
+} // namespace
 
 GridStatusBar::GridStatusBar(LibraryViewModel& library, QWidget* parent)
     : Panel{&Theme::window, parent}, m_library{library} {
@@ -41,6 +48,24 @@ GridStatusBar::GridStatusBar(LibraryViewModel& library, QWidget* parent)
     refresh();
 }
 
+void GridStatusBar::resizeEvent(QResizeEvent* event) {
+    Panel::resizeEvent(event);
+    makeRoom();
+}
+
+void GridStatusBar::changeEvent(QEvent* event) {
+    Panel::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) refresh();
+}
+
+void GridStatusBar::makeRoom() {
+    // The inspector names the photo too, and the marks are what the work is about.
+    const auto hasMarks = !m_library.checkedIDs().empty();
+    m_focused->setVisible(width() >= roomForName);
+    m_markedBytes->setVisible(hasMarks && width() >= roomForBytes);
+    m_shown->setVisible(!hasMarks || width() >= roomForAll);
+}
+
 void GridStatusBar::refresh() {
     const auto total = static_cast<std::int64_t>(m_library.items().size());
     const auto shown = static_cast<std::int64_t>(m_library.visibleItems().size());
@@ -48,8 +73,8 @@ void GridStatusBar::refresh() {
 
     const auto marked = static_cast<std::int64_t>(m_library.checkedIDs().size());
     m_marked->setVisible(marked > 0);
-    m_markedBytes->setVisible(marked > 0);
     m_markSymbol->setVisible(marked > 0);
+    makeRoom();
     if (marked > 0) {
         m_marked->setText(tr("%1 marked ").arg(countText(marked)));
         m_markedBytes->setText(text(byteCountText(m_library.checkedBytes())));

@@ -12,8 +12,13 @@ class GridStatusBar : public Panel {
 public:
     explicit GridStatusBar(LibraryViewModel& library, QWidget* parent = nullptr);
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
 private:
     void refresh();
+    void makeRoom();
 
     LibraryViewModel& m_library;
     QLabel* m_shown;

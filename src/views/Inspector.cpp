@@ -75,6 +75,7 @@ private:
 Inspector::Inspector(LibraryViewModel& library, const Contents& contents, QWidget* parent)
     : Panel{&Theme::panel, parent}, m_library{library} {
     setMinimumWidth(narrowest);
+    auto* tabRow = makeTabs(); // first, for the keyboard goes from the tabs to what they show
     auto* pages = new QWidget{this};
     m_pages = new QStackedLayout{pages};
     m_pages->setContentsMargins({});
@@ -85,7 +86,7 @@ Inspector::Inspector(LibraryViewModel& library, const Contents& contents, QWidge
     auto* column = new QVBoxLayout{this};
     column->setContentsMargins({});
     column->setSpacing(0);
-    column->addWidget(makeTabs());
+    column->addWidget(tabRow);
     column->addWidget(pages, 1);
     m_subscription = m_library.observe({LibraryProperty::inspectorTab}, [this](const auto&) { refresh(); });
     refresh();

@@ -40,7 +40,7 @@ LibraryToolbar::LibraryToolbar(LibraryViewModel& library, Preferences& preferenc
     m_title = new ElidedLabel{this, Qt::ElideRight};
     dress(*m_title, TextRole::headline, Tone::normal);
     m_title->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    m_title->setMinimumWidth(60);
+    m_title->setMinimumWidth(30);
 
     auto* row = new QHBoxLayout{this};
     row->setContentsMargins(spacing::medium + 2, spacing::small, spacing::small + 2, spacing::tiny);

@@ -16,7 +16,10 @@ constexpr int barHeight = 34;
 constexpr int starSize = 14;
 constexpr int markSize = 16;
 constexpr int roomForHelp = 1240;
-constexpr int roomForExposure = 560;
+constexpr int roomForExposure = 680;
+constexpr int roomForLoading = 540;
+constexpr int roomForName = 400;
+constexpr int roomForStars = 340;
 
 QPixmap starsPixmap(Rating rating, qreal ratio) {
     QPixmap pixmap{(QSizeF{static_cast<qreal>(RatingStars::width(starSize)), starSize} * ratio).toSize()};
@@ -92,7 +95,6 @@ void LoupeInfoBar::refresh() {
     m_mark->setPixmap(symbol(u"checkmark.circle.fill", markSize, Theme::current().mark, ratio));
     m_mark->setAccessibleName(tr("Marked"));
     m_busy->setVisible(m_content.isLoadingFullResolution);
-    m_loading->setVisible(m_content.isLoadingFullResolution);
     makeRoom();
     m_zoom->setVisible(m_content.zoom.has_value());
     if (m_content.zoom) {
@@ -109,6 +111,9 @@ void LoupeInfoBar::resizeEvent(QResizeEvent* event) {
 }
 
 void LoupeInfoBar::makeRoom() {
+    m_name->setVisible(width() >= roomForName);
+    m_stars->setVisible(width() >= roomForStars);
+    m_loading->setVisible(m_content.isLoadingFullResolution && width() >= roomForLoading);
     m_help->setVisible(m_content.zoom && width() >= roomForHelp);
     m_exposure->setVisible(!m_content.exposure.isEmpty() && width() >= roomForExposure);
 }

@@ -154,8 +154,10 @@ void LoupeVideoPlayer::refresh() {
     m_playButton->setAccessibleName(isPlaying() ? tr("Pause") : tr("Play"));
     m_playButton->setEnabled(!m_hasFailed);
     m_muteButton->setVisible(m_player && m_player->hasSound());
-    m_muteButton->setIcon(symbolIcon(
-        m_player && m_player->isMuted() ? u"speaker.slash.fill" : u"speaker.wave.2.fill", &Theme::text));
+    const auto isMuted = m_player && m_player->isMuted();
+    m_muteButton->setIcon(symbolIcon(isMuted ? u"speaker.slash.fill" : u"speaker.wave.2.fill", &Theme::text));
+    m_muteButton->setToolTip(isMuted ? tr("Unmute") : tr("Mute"));
+    m_muteButton->setAccessibleName(m_muteButton->toolTip());
     m_time->setText(m_hasFailed ? tr("Can't play this video")
                                 : tr("%1 / %2").arg(timeText(position), timeText(duration)));
     {

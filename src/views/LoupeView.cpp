@@ -6,6 +6,7 @@
 #include "views/LoupeVideoPlayer.h"
 #include "views/Symbols.h"
 #include "views/Text.h"
+#include "views/ThumbnailCell.h"
 #include "views/ZoomableImageView.h"
 
 #include <QContextMenuEvent>
@@ -84,14 +85,17 @@ QWidget* LoupeView::makeCannotPreview() {
     auto* title = makeLabel(TextRole::title, Tone::normal, page, tr("Can't Preview"));
     auto* description = makeLabel(TextRole::body, Tone::quiet, page,
                                   tr("This file may be damaged or in an unsupported format."));
+    description->setWordWrap(true);
+    description->setAlignment(Qt::AlignCenter);
     auto* column = new QVBoxLayout{page};
+    column->setContentsMargins(spacing::large, 0, spacing::large, 0);
     column->setSpacing(0);
     column->addStretch(5);
     column->addWidget(m_cannotPreviewSymbol, 0, Qt::AlignHCenter);
     column->addSpacing(spacing::large);
     column->addWidget(title, 0, Qt::AlignHCenter);
     column->addSpacing(spacing::small);
-    column->addWidget(description, 0, Qt::AlignHCenter);
+    column->addWidget(description);
     column->addStretch(6);
     return page;
 }
@@ -184,6 +188,7 @@ void LoupeView::showPicture() {
 
 void LoupeView::refreshInfo() {
     LoupeInfoBar::Content content;
+    QString name, value;
     if (const auto* item = m_library.focusedItem()) {
         content.url = item->url;
         content.position = m_library.focusedIndex().value_or(0) + 1;
@@ -193,8 +198,14 @@ void LoupeView::refreshInfo() {
         content.rating = m_library.rating(item->url);
         content.isLoadingFullResolution = m_pictures.shown().isLoading && !showsVideo();
         if (m_stage->currentWidget() == m_image) content.zoom = m_image->zoom();
+        name = nameText(item->url);
+        if (m_pictures.shown().isUnreadable) name = ThumbnailCell::unreadableText(name);
+        value = ThumbnailCell::accessibleValue(content.isChecked, content.rating);
     }
     m_info->show(content);
+    // It has the keyboard, so that tools read this when the photo changes.
+    setAccessibleName(name);
+    setAccessibleDescription(value);
 }
 
 void LoupeView::refreshOverlays() {

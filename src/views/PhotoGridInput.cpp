@@ -1,5 +1,6 @@
 // PhotoGridView: the pointer and the keys.
 
+#include "views/LocalURL.h"
 #include "views/PhotoGridView.h"
 #include "views/Text.h"
 
@@ -12,7 +13,6 @@
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QToolTip>
-#include <QUrl>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -114,12 +114,7 @@ void PhotoGridView::contextMenuEvent(QContextMenuEvent* event) {
 void PhotoGridView::startDrag(std::size_t index) {
     const auto item = m_library.visibleItems()[index];
     QList<QUrl> urls;
-    for (const auto& target : m_library.actionTargets(item)) {
-        const auto& path = target.url.path();
-        urls.append(QUrl::fromEncoded(
-            QByteArray{path.data(), static_cast<qsizetype>(path.size())}.toPercentEncoding("/").prepend(
-                "file://")));
-    }
+    for (const auto& target : m_library.actionTargets(item)) urls.append(toQUrl(target.url));
     auto* drag = new QDrag{this};
     auto* files = new QMimeData;
     files->setUrls(urls);

@@ -94,11 +94,13 @@ std::optional<std::size_t> PhotoGridView::indexAt(const QPoint& viewportPoint) c
     return m_layout.indexAt(viewportPoint + QPoint{0, top()});
 }
 
-std::optional<PhotoGridView::Anchor> PhotoGridView::anchor() const {
-    const auto range = visibleRange();
+std::optional<PhotoGridView::Anchor> PhotoGridView::anchor() const { return anchor(viewport()->size()); }
+
+std::optional<PhotoGridView::Anchor> PhotoGridView::anchor(const QSize& shown) const {
+    const auto range = m_layout.visible(top(), shown.height());
     if (range.begin == range.end) return std::nullopt;
     const auto focused = m_library.focusedIndex();
-    const bool seesFocus = focused && viewport()->rect().contains(cellRect(*focused));
+    const bool seesFocus = focused && QRect{{}, shown}.contains(cellRect(*focused));
     const auto index = seesFocus ? *focused : range.begin;
     return Anchor{index, cellRect(index).top()};
 }
@@ -204,8 +206,8 @@ void PhotoGridView::paintEvent(QPaintEvent* event) {
 }
 
 void PhotoGridView::resizeEvent(QResizeEvent* event) {
-    // The old layout still says what was seen, but the viewport is already new.
-    const auto shown = anchor();
+    // The viewport is already new; the old layout and the old size still say what was seen.
+    const auto shown = anchor(event->oldSize());
     QAbstractScrollArea::resizeEvent(event);
     relayout(shown);
 }

@@ -75,6 +75,7 @@ private:
 
     void observeLibrary();
     [[nodiscard]] std::optional<Anchor> anchor() const;
+    [[nodiscard]] std::optional<Anchor> anchor(const QSize& shown) const;
     void relayout(const std::optional<Anchor>& anchor);
     void showFocused();
     void loadVisible();

@@ -4,9 +4,11 @@
 #include "platform/Preferences.h"
 #include "views/CopySheet.h"
 #include "views/EmptyState.h"
+#include "views/LocalURL.h"
 #include "views/MainMenu.h"
 #include "views/PhotoCommands.h"
 #include "views/Sheet.h"
+#include "views/SideWindow.h"
 #include "views/SideWindows.h"
 #include "views/SourceSidebar.h"
 #include "views/Text.h"
@@ -14,13 +16,11 @@
 
 #include <QApplication>
 #include <QDragEnterEvent>
-#include <QFile>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
 #include <QScreen>
 #include <QSplitter>
-#include <QUrl>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -56,11 +56,12 @@ protected:
     }
 };
 
-/// The first local path in `data`; the file system is not asked.
-FileURL droppedPath(const QMimeData& data) {
-    for (const auto& url : data.urls()) {
-        if (url.isLocalFile())
-            return FileURL::standardized(QFile::encodeName(url.toLocalFile()).toStdString());
+/// The first local path that is dragged in; the file system is not asked. Empty for the window's own photos,
+/// which are on their way to another program.
+FileURL droppedPath(const QDropEvent& event) {
+    if (event.source()) return {};
+    for (const auto& url : event.mimeData()->urls()) {
+        if (url.isLocalFile()) return fromQUrl(url);
     }
     return {};
 }
@@ -87,6 +88,8 @@ RootView::RootView(LibraryViewModel& library, Preferences& preferences, Desktop&
     m_splitter->addWidget(m_content);
     m_splitter->setStretchFactor(0, 0);
     m_splitter->setStretchFactor(1, 1);
+    connect(m_splitter, &QSplitter::splitterMoved, this,
+            [this, sidebar] { m_preferences.setInteger(sidebarKey, sidebar->width()); });
     auto* column = new QVBoxLayout{this};
     column->setContentsMargins(0, 0, 0, 0);
     column->setMenuBar(m_menu);
@@ -122,17 +125,23 @@ void RootView::refreshTitle() {
 }
 
 void RootView::restoreGeometryOr(const QSize& size) {
-    const auto sidebarWidth = static_cast<int>(m_preferences.integer(sidebarKey).value_or(usualSidebarWidth));
     const auto saved = m_preferences.text(frameKey);
     if (!saved || !restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(*saved)))) {
         resize(size.boundedTo(screen()->availableSize() * 0.92));
     }
-    m_splitter->setSizes({sidebarWidth, std::max(1, width() - sidebarWidth)});
+    restoreSidebarWidth();
 }
 
-void RootView::saveFrame() {
-    m_preferences.setText(frameKey, saveGeometry().toBase64().toStdString());
-    m_preferences.setInteger(sidebarKey, m_splitter->sizes().value(0, usualSidebarWidth));
+void RootView::saveFrame() { m_preferences.setText(frameKey, saveGeometry().toBase64().toStdString()); }
+
+void RootView::restoreSidebarWidth() {
+    const auto width = static_cast<int>(m_preferences.integer(sidebarKey).value_or(usualSidebarWidth));
+    m_splitter->setSizes({width, std::max(1, this->width() - width)});
+}
+
+void RootView::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    restoreSidebarWidth(); // what a narrow window took from it
 }
 
 void RootView::keepSize(const QSize& size) {
@@ -151,7 +160,7 @@ void RootView::changeEvent(QEvent* event) {
 }
 
 void RootView::dragEnterEvent(QDragEnterEvent* event) {
-    if (hasSheet() || droppedPath(*event->mimeData()).isEmpty()) return;
+    if (hasSheet() || droppedPath(*event).isEmpty()) return;
     event->setDropAction(Qt::LinkAction); // nothing is moved or copied
     event->accept();
     m_dropFrame->setGeometry(rect());
@@ -163,7 +172,7 @@ void RootView::dragLeaveEvent(QDragLeaveEvent*) { m_dropFrame->hide(); }
 
 void RootView::dropEvent(QDropEvent* event) {
     m_dropFrame->hide();
-    if (const auto path = droppedPath(*event->mimeData()); !path.isEmpty()) {
+    if (const auto path = droppedPath(*event); !path.isEmpty()) {
         event->acceptProposedAction();
         m_onDrop(path);
     }
@@ -174,12 +183,15 @@ bool RootView::hasSheet() const { return m_copySheetFrame->isVisible() || m_aler
 bool RootView::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress || QApplication::activePopupWidget() || hasSheet()) return false;
     const auto* receiver = qobject_cast<const QWidget*>(watched);
-    if (!receiver || receiver->window() != this || QApplication::activeModalWidget()) return false;
+    if (!receiver || QApplication::activeModalWidget()) return false;
+    const auto* window = receiver->window();
+    const auto isBeside = qobject_cast<const SideWindow*>(window) && window->parentWidget() == this;
+    if (window != this && !isBeside) return false;
     // A key that nobody takes travels up through the parents; the window looks at it once.
-    if (focusWidget() && receiver != focusWidget()) return false;
+    if (window->focusWidget() && receiver != window->focusWidget()) return false;
     const auto& key = *static_cast<const QKeyEvent*>(event);
     const auto command = windowCommand(key.key(), key.modifiers(), keyFocus(receiver), m_library.viewMode());
-    if (!command) return false;
+    if (!command || (isBeside && !command->isForEveryWindow())) return false;
     if (!key.isAutoRepeat() || command->repeats()) perform(*command);
     return true;
 }

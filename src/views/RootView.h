@@ -33,6 +33,7 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragLeaveEvent(QDragLeaveEvent* event) override;
@@ -42,6 +43,7 @@ protected:
 
 private:
     void restoreGeometryOr(const QSize& usualSize);
+    void restoreSidebarWidth();
     void saveFrame();
     void showNextAlert();
     void toggleFullScreen();

@@ -1,6 +1,7 @@
 #include "views/Sheet.h"
 
 #include "views/Controls.h"
+#include "views/SelectableText.h"
 #include "views/Symbols.h"
 
 #include <QBoxLayout>
@@ -139,12 +140,14 @@ AlertView::AlertView(const QString& title, const QString& message, QWidget* pare
     icon->setPixmap(
         symbol(u"exclamationmark.triangle.fill", 36, Theme::current().warning, devicePixelRatioF()));
     auto* heading = makeLabel(TextRole::headline, Tone::normal, this, title);
-    auto* body = makeLabel(TextRole::body, Tone::quiet, this, message);
-    body->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    for (auto* label : {heading, body}) {
-        label->setWordWrap(true);
-        label->setFixedWidth(textWidth);
-    }
+    heading->setWordWrap(true);
+    heading->setFixedWidth(textWidth);
+    // Breaks names that have no spaces, which a label cuts.
+    auto* body = new SelectableText{this};
+    body->setFont(kelvara::font(TextRole::body));
+    body->setAccessibleName(message);
+    body->setFixedWidth(textWidth);
+    body->showText(message);
     m_button = new QPushButton{tr("OK"), this};
     m_button->setMinimumWidth(84);
 

@@ -57,7 +57,8 @@ QRectF pictureRect(const QRect& rect, const ThumbnailCellState& state, qreal rat
     const auto margin = metrics(state.style).pictureMargin;
     const QRectF area = square(rect).adjusted(margin, margin, -margin, -margin);
     auto size = QSizeF{state.picture.size()} / ratio;
-    if (size.width() > area.width() || size.height() > area.height() || state.picture.width() >= 160) {
+    if (size.width() > area.width() || size.height() > area.height() ||
+        std::max(state.picture.width(), state.picture.height()) >= 160) {
         size = size.scaled(area.size(), Qt::KeepAspectRatio);
     }
     // Whole screen pixels keep the edges sharp.

@@ -1,10 +1,11 @@
 #include "views/VideoPlayer.h"
 
+#include "views/LocalURL.h"
+
 #include <QAudioDevice>
 #include <QAudioOutput>
 #include <QMediaDevices>
 #include <QMediaPlayer>
-#include <QUrl>
 #include <QVideoSink>
 
 namespace kelvara {
@@ -37,9 +38,7 @@ public:
     void open(const FileURL& url) override {
         m_player.stop();
         if (url.isEmpty()) return m_player.setSource({});
-        const auto& path = url.path();
-        m_player.setSource(QUrl::fromEncoded(
-            "file://" + QByteArray{path.data(), static_cast<qsizetype>(path.size())}.toPercentEncoding("/")));
+        m_player.setSource(toQUrl(url));
     }
     void play() override { m_player.play(); }
     void pause() override { m_player.pause(); }

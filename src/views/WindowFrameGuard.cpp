@@ -6,6 +6,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <utility>
 
 namespace kelvara {
 
@@ -23,9 +24,23 @@ WindowFrameGuard::WindowFrameGuard(QWidget& window) : QObject{&window}, m_window
 }
 
 bool WindowFrameGuard::eventFilter(QObject*, QEvent* event) {
-    if (event->type() != QEvent::Show) return false;
-    if (!m_screen) connect(m_window.windowHandle(), &QWindow::screenChanged, this, &WindowFrameGuard::follow);
-    follow(m_window.screen());
+    switch (event->type()) {
+    case QEvent::Show:
+        if (!m_screen)
+            connect(m_window.windowHandle(), &QWindow::screenChanged, this, &WindowFrameGuard::follow);
+        follow(m_window.screen());
+        m_awaitsFrame = true;
+        break;
+    case QEvent::Move:
+        if (m_awaitsFrame) fitSoon();
+        break;
+    case QEvent::WindowActivate:
+        // Window managers put their frames on before that, and the user moves nothing before it.
+        if (std::exchange(m_awaitsFrame, false)) fitSoon();
+        break;
+    default:
+        break;
+    }
     return false;
 }
 
@@ -37,7 +52,10 @@ void WindowFrameGuard::follow(QScreen* screen) {
         connect(screen, &QScreen::availableGeometryChanged, this, &WindowFrameGuard::fitWindowToScreen);
         connect(screen, &QObject::destroyed, this, [this] { m_screen = nullptr; });
     }
-    // Once the window manager has put its frame around the window.
+    fitSoon();
+}
+
+void WindowFrameGuard::fitSoon() {
     QMetaObject::invokeMethod(this, &WindowFrameGuard::fitWindowToScreen, Qt::QueuedConnection);
 }
 

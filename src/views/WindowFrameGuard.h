@@ -23,10 +23,13 @@ public:
 
 private:
     void follow(QScreen* screen);
+    /// When what happens now is through.
+    void fitSoon();
     void fitWindowToScreen();
 
     QWidget& m_window;
     QScreen* m_screen = nullptr; // the one that is followed
+    bool m_awaitsFrame = false;  // shown, but the window manager may not have put its frame around it
 };
 
 } // namespace kelvara

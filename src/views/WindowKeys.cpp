@@ -44,6 +44,7 @@ constexpr std::array menuKeys{
     MenuKey{Kind::zoomIn, Qt::CTRL | Qt::SHIFT | Qt::Key_Plus},
     MenuKey{Kind::zoomOut, Qt::CTRL | Qt::Key_Minus},
     MenuKey{Kind::zoomToFit, Qt::CTRL | Qt::Key_0},
+    MenuKey{Kind::zoomToFit, Qt::CTRL | Qt::SHIFT | Qt::Key_0}, // where digits need Shift
     MenuKey{Kind::toggleFullScreen, Qt::Key_F11},
     MenuKey{Kind::openMenus, Qt::Key_F10},
 };
@@ -148,7 +149,8 @@ Command windowCommand(int key, Qt::KeyboardModifiers modifiers, KeyFocus focus, 
     modifiers &= ~Qt::KeypadModifier;
     const QKeyCombination keys{modifiers, static_cast<Qt::Key>(key)};
     if (const auto command = byMenuKey(keys, focus, mode)) return command;
-    if (modifiers != Qt::NoModifier) return std::nullopt;
+    const auto needsShift = modifiers == Qt::ShiftModifier && key >= Qt::Key_0 && key <= Qt::Key_9;
+    if (modifiers != Qt::NoModifier && !needsShift) return std::nullopt;
     if (focus == KeyFocus::textField) return inTextField(key);
     if (belongsTo(focus, key)) return std::nullopt;
     return plain(key, mode);

@@ -53,6 +53,10 @@ struct WindowCommand {
     int stars = 0;
     friend bool operator==(const WindowCommand&, const WindowCommand&) = default;
 
+    /// Whether its key works in the windows beside the main one, too.
+    [[nodiscard]] bool isForEveryWindow() const {
+        return kind == Kind::showSettings || kind == Kind::showShortcuts || kind == Kind::quit;
+    }
     /// Whether holding the key down does it again and again.
     [[nodiscard]] bool repeats() const {
         return kind <= Kind::moveDown || kind == Kind::zoomIn || kind == Kind::zoomOut;

@@ -4,6 +4,7 @@
 #include "views/PictureFixture.h"
 #include "views/ZoomableImageView.h"
 
+#include <QLabel>
 #include <QTest>
 
 #include <cmath>
@@ -40,6 +41,17 @@ protected:
 };
 
 } // namespace
+
+TEST_F(LoupeViewTest, assistiveToolsReadWhichPhotoIsShownAndHowItWasJudged) {
+    addPhotos(2);
+    show();
+    focus(1);
+    EXPECT_EQ(m_loupe->accessibleName().toStdString(), photo(1).name());
+    EXPECT_EQ(m_loupe->accessibleDescription(), "");
+    m_library->toggleChecked(photo(1));
+    m_library->setRating(*Rating::fromRawValue(3), photo(1));
+    EXPECT_EQ(m_loupe->accessibleDescription(), "Marked, 3 of 5 stars");
+}
 
 TEST_F(LoupeViewTest, showsAThumbnailFirstAndThenTheFullPicture) {
     addPhoto("a.jpg", QColor::fromHsv(100, 200, 200), {2400, 1600});
@@ -141,6 +153,7 @@ TEST_F(LoupeViewTest, aFileThatCannotBeReadShowsThatItCannot) {
     focus(1);
     settlePictures();
     EXPECT_TRUE(m_loupe->pictures().shown().isUnreadable);
+    EXPECT_TRUE(m_loupe->accessibleName().startsWith("Can't read "));
     EXPECT_FALSE(view().isVisible());
     EXPECT_FALSE(m_loupe->isLoading());
     focus(0);
@@ -192,6 +205,27 @@ TEST_F(LoupeViewTest, draggingMovesAZoomedPictureOnly) {
     EXPECT_DOUBLE_EQ(image.geometry().origin().x, origin.x + 20);
     EXPECT_DOUBLE_EQ(image.geometry().origin().y, origin.y + 30);
     EXPECT_EQ(image.cursor().shape(), Qt::OpenHandCursor);
+}
+
+TEST_F(LoupeViewTest, nothingInTheInfoBarIsCutHoweverNarrowItIs) {
+    LoupeInfoBar bar;
+    bar.show({.url = FileURL{"/card/a rather long name of a file.jpg"},
+              .position = 10'885,
+              .total = 16'000,
+              .exposure = QStringLiteral("ƒ/2.8 · 1/8000s · ISO 12800"),
+              .isChecked = true,
+              .rating = *Rating::fromRawValue(5),
+              .zoom = ZoomState{100, true},
+              .isLoadingFullResolution = true});
+    bar.setVisible(true);
+    for (int width = 240; width < 1400; width += 20) {
+        bar.resize(width, bar.height());
+        QCoreApplication::processEvents();
+        for (const auto* part : bar.findChildren<QLabel*>()) {
+            if (!part->isVisible()) continue;
+            EXPECT_GE(part->width(), part->minimumSizeHint().width()) << part->text().toStdString() << width;
+        }
+    }
 }
 
 TEST_F(LoupeViewTest, theExposureInTheInfoBarIsThatOfTheFocusedPhoto) {

@@ -122,6 +122,16 @@ TEST_F(PhotoGridViewTest, anotherThumbnailSizeOrWidthKeepsTheFocusedPhotoInPlace
     EXPECT_TRUE(isWhole(100));
 }
 
+TEST_F(PhotoGridViewTest, theFocusedPhotoStaysInSightWhenTheWindowShrinks) {
+    show(200);
+    m_library->setFocusedID(photo(100)); // comes in at the bottom
+    for (const auto& size : {QSize{640, 330}, QSize{420, 330}, QSize{300, 200}}) {
+        m_grid->resize(size);
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(isWhole(100)) << size.width() << " x " << size.height();
+    }
+}
+
 TEST_F(PhotoGridViewTest, theWheelScrollsByPixels) {
     show(200);
     const auto at = m_grid->viewport()->rect().center();

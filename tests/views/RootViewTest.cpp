@@ -5,15 +5,20 @@
 #include "views/KeyboardShortcutsView.h"
 #include "views/MainMenu.h"
 #include "views/SearchField.h"
+#include "views/SettingsView.h"
 #include "views/SideWindows.h"
 #include "views/SidebarRow.h"
 #include "views/SupportView.h"
 
 #include <QApplication>
+#include <QDropEvent>
+#include <QLabel>
+#include <QMimeData>
 #include <QPushButton>
 #include <QScreen>
 #include <QSplitter>
 #include <QTest>
+#include <QUrl>
 
 namespace kelvara {
 
@@ -124,7 +129,15 @@ TEST_F(RootViewTest, aMenuKeyActsOnceAndTheFieldKeepsTheKeysThatEditItsText) {
     press(Qt::Key_Return, Qt::ControlModifier);
     EXPECT_EQ(m_chooser.requests.size(), 2U); // where to copy
     press(Qt::Key_Slash, Qt::ControlModifier);
-    EXPECT_EQ(m_window->findChildren<KeyboardShortcutsView*>().size(), 1);
+    ASSERT_EQ(m_window->findChildren<KeyboardShortcutsView*>().size(), 1);
+    // From there, what concerns the photos is out of reach.
+    auto* shortcuts = m_window->findChild<KeyboardShortcutsView*>();
+    QTest::keyClick(shortcuts, Qt::Key_O, Qt::ControlModifier);
+    QTest::keyClick(shortcuts, Qt::Key_S);
+    EXPECT_EQ(m_chooser.requests.size(), 2U);
+    EXPECT_TRUE(m_library->isChecked(m_card / "a.jpg"));
+    QTest::keyClick(shortcuts, Qt::Key_Comma, Qt::ControlModifier);
+    EXPECT_TRUE(m_window->findChild<SettingsView*>());
     m_window->activateWindow();
 
     press(Qt::Key_F, Qt::ControlModifier);
@@ -161,6 +174,15 @@ TEST_F(RootViewTest, theMenusGiveTheWindowsCommands) {
     EXPECT_EQ(QApplication::focusWidget(), find<SearchField>());
     find<QToolButton>("Support Kelvara")->click();
     EXPECT_TRUE(m_window->findChild<SupportView*>()->isVisible());
+}
+
+TEST_F(RootViewTest, aFolderDroppedOnTheWindowIsOpenedWhateverItsName) {
+    open({"a.jpg"});
+    QMimeData files;
+    files.setUrls({QUrl{"https://example.com/a.jpg"}, QUrl::fromEncoded("file:///media/fo%FF%20ld/")});
+    QDropEvent drop{QPointF{50, 50}, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier};
+    static_cast<QObject&>(*m_window).event(&drop); // the application would first want the way there
+    EXPECT_EQ(m_dropped, FileURL{"/media/fo\xff ld"});
 }
 
 TEST_F(RootViewTest, theMenusRestWhileASheetAsks) {
@@ -243,6 +265,25 @@ TEST_F(RootViewTest, anEmptyGridOffersTheWayOutAndTakesItByMouse) {
     EXPECT_TRUE(m_window->isSettled());
 }
 
+TEST_F(RootViewTest, noTextIsCutInTheSmallestWindow) {
+    auto& window = open({"a.jpg", "b.jpg"});
+    window.keepSize(window.minimumSize());
+    const auto expectWholeTexts = [&window] {
+        QCoreApplication::processEvents();
+        for (const auto* label : window.findChildren<QLabel*>()) {
+            if (!label->isVisible() || label->text().isEmpty()) continue;
+            EXPECT_TRUE(label->parentWidget()->rect().contains(label->geometry()))
+                << label->text().toStdString();
+            EXPECT_GE(label->width(), label->minimumSizeHint().width()) << label->text().toStdString();
+        }
+    };
+    press(Qt::Key_S);
+    expectWholeTexts();
+    m_library->setSearchText("nothing at all");
+    ASSERT_NE(visibleButton("Clear Search"), nullptr);
+    expectWholeTexts();
+}
+
 TEST_F(RootViewTest, theWindowComesBackAsItWasLeftButNotLargerThanTheScreen) {
     open({"a.jpg"});
     const auto screen = m_window->screen()->availableGeometry();
@@ -268,6 +309,24 @@ TEST_F(RootViewTest, everyControlHasANameForAssistiveTools) {
         EXPECT_FALSE(button->accessibleName().isEmpty() && button->text().isEmpty())
             << button->metaObject()->className() << " " << button->toolTip().toStdString();
     }
+}
+
+TEST_F(RootViewTest, theSidebarKeepsTheWidthTheUserGaveItThroughANarrowWindow) {
+    open({"a.jpg"}).keepSize({1400, 800});
+    QCoreApplication::processEvents();
+    auto* splitter = m_window->findChild<QSplitter*>(QString{}, Qt::FindDirectChildrenOnly);
+    splitter->setSizes({300, 1100});
+    emit splitter->splitterMoved(300, 1);
+    const auto width = splitter->sizes()[0];
+    m_window->keepSize(m_window->minimumSize());
+    QCoreApplication::processEvents();
+    EXPECT_LT(splitter->sizes()[0], width);
+    m_window->close();
+    m_window.reset();
+    open({"a.jpg"}).keepSize({1400, 800});
+    QCoreApplication::processEvents();
+    splitter = m_window->findChild<QSplitter*>(QString{}, Qt::FindDirectChildrenOnly);
+    EXPECT_NEAR(splitter->sizes()[0], width, 1);
 }
 
 TEST_F(RootViewTest, theInspectorComesAndGoesAndKeepsItsWidth) {

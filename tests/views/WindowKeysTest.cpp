@@ -28,7 +28,9 @@ TEST(WindowKeysTest, photosAreBrowsedMarkedAndRatedWithPlainKeys) {
     EXPECT_EQ(command(Qt::Key_Enter, Qt::KeypadModifier), WindowCommand{Kind::toggleMark});
     EXPECT_EQ(command(Qt::Key_0), (WindowCommand{Kind::rate, 0}));
     EXPECT_EQ(command(Qt::Key_5, Qt::KeypadModifier), (WindowCommand{Kind::rate, 5}));
+    EXPECT_EQ(command(Qt::Key_3, Qt::ShiftModifier), (WindowCommand{Kind::rate, 3})); // as in France
     EXPECT_FALSE(command(Qt::Key_6));
+    EXPECT_FALSE(command(Qt::Key_S, Qt::ShiftModifier));
     EXPECT_FALSE(command(Qt::Key_S, Qt::AltModifier));
 }
 
@@ -62,6 +64,7 @@ TEST(WindowKeysTest, zoomKeysWorkInTheSingleImageOnlyOnEveryKindOfKeyboard) {
     EXPECT_EQ(inLoupe(Qt::Key_Plus, Qt::ControlModifier | Qt::ShiftModifier), WindowCommand{Kind::zoomIn});
     EXPECT_EQ(inLoupe(Qt::Key_Minus, Qt::ControlModifier | Qt::KeypadModifier), WindowCommand{Kind::zoomOut});
     EXPECT_EQ(inLoupe(Qt::Key_0, Qt::ControlModifier), WindowCommand{Kind::zoomToFit});
+    EXPECT_EQ(inLoupe(Qt::Key_0, Qt::ControlModifier | Qt::ShiftModifier), WindowCommand{Kind::zoomToFit});
     EXPECT_FALSE(command(Qt::Key_Z));
     EXPECT_FALSE(command(Qt::Key_0, Qt::ControlModifier));
 }

@@ -19,7 +19,7 @@ constexpr std::string_view exifSignature{"Exif\0\0", 6};
 
 /// Every block of 8 by 8 pixels takes a bit at the very least. What claims far more pixels than its bytes can
 /// hold, cut-off files included, is a forgery that only costs memory and time.
-constexpr std::int64_t mostPixelsPerByte = 4096;
+constexpr std::int64_t mostPixelsPerByte = 512;
 
 bool begin(JpegSession& session, bool keepsMarkers) {
     auto& state = session.state();
