@@ -258,6 +258,7 @@ TEST_F(RootViewTest, anEmptyGridOffersTheWayOutAndTakesItByMouse) {
     m_library->setSearchText("nothing");
     auto* button = visibleButton("Clear Search");
     ASSERT_NE(button, nullptr);
+    EXPECT_TRUE(m_window->isSettled());
     QTest::mouseClick(button, Qt::LeftButton);
     EXPECT_EQ(m_library->searchText(), "");
     EXPECT_TRUE(m_grid->isVisible());
