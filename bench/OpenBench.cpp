@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 
 using namespace kelvara;
 
@@ -41,8 +42,9 @@ int main(int argumentCount, char** argumentValues) {
     const QTemporaryDir settings;
     QElapsedTimer clock;
     clock.start();
-    KelvaraApp app{{.folder = FileURL::standardized(argumentValues[1]),
-                    .preferencesPath = settings.filePath(QStringLiteral("kelvara.conf"))}};
+    KelvaraApp app{
+        {.folder = FileURL::standardized(argumentValues[1], std::filesystem::current_path().string()),
+         .preferencesPath = settings.filePath(QStringLiteral("kelvara.conf"))}};
     app.window().resize(1440, 900);
     app.window().show();
     application.processEvents();

@@ -131,13 +131,21 @@ std::unique_ptr<AreaScaler> makeScaler(PixelSize from, Bitmap& to) {
     return std::make_unique<SampleScaler<std::uint16_t, std::uint64_t>>(from, to);
 }
 
+/// Grey for rows that are missing, with the fourth numbers that all pixels have.
+void fillGrey(std::span<std::uint8_t> row, PixelFormat format) {
+    constexpr std::uint8_t grey = 128, most = 255;
+    std::ranges::fill(row, grey);
+    const auto pixel = bytesPerPixel(format), sample = pixel / 4;
+    for (auto fourth = pixel - sample; fourth < row.size(); fourth += pixel)
+        std::ranges::fill(row.subspan(fourth, sample), most);
+}
+
 } // namespace
 
 std::unique_ptr<Bitmap> collectRows(PixelSize given, PixelSize wanted, ColorProfilePtr profile,
                                     const std::stop_token& stop,
                                     const std::function<bool(int y, std::uint8_t* row)>& readRow,
                                     PixelFormat format) {
-    constexpr std::uint8_t missing = 128;
     auto result = Bitmap::create(wanted, std::move(profile), format);
     if (!result) return nullptr;
     const bool isScaled = given != wanted;
@@ -155,7 +163,7 @@ std::unique_ptr<Bitmap> collectRows(PixelSize given, PixelSize wanted, ColorProf
             if (y == 0) return nullptr;
             hasEnded = true;
         }
-        if (hasEnded) std::ranges::fill(row, missing);
+        if (hasEnded) fillGrey(row, format);
         if (isScaled) scaler->addRow(row.data());
     }
     return result;

@@ -26,8 +26,7 @@ struct PixelSize {
 
 enum class PixelFormat {
     /// Four bytes a pixel: blue, green, red and one that means nothing (255). On little-endian machines these
-    /// are
-    /// 0xffRRGGBB words, which a QImage of Format_RGB32 wraps without a copy.
+    /// are 0xffRRGGBB words, which a QImage of Format_RGB32 wraps without a copy.
     bgrx8,
     /// Four 16-bit numbers a pixel in the machine's byte order: blue, green, red and one that means nothing
     /// (65535). For export only.

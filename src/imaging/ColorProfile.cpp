@@ -186,7 +186,8 @@ ColorProfilePtr ColorProfile::adobeRGB() {
 }
 
 ColorProfilePtr ColorProfile::fromIcc(std::span<const std::uint8_t> icc) {
-    if (icc.size() < headerSize || icc.size() > (std::size_t{64} << 20)) return nullptr;
+    constexpr std::size_t largest = std::size_t{8} << 20; // above any in use; what was converted from is kept
+    if (icc.size() < headerSize || icc.size() > largest) return nullptr;
     const ProfileHandle profile{cmsOpenProfileFromMem(icc.data(), static_cast<cmsUInt32Number>(icc.size()))};
     if (!profile) return nullptr;
     if (cmsGetColorSpace(profile.get()) == cmsSigGrayData) {

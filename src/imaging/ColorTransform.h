@@ -42,8 +42,8 @@ private:
 };
 
 /// The picture in another colour space and format; itself when it is in both, and when its own space can't be
-/// converted: slightly wrong colours are better than none. Null for null, when memory is short or `stop` was
-/// requested.
+/// converted but the format is right: slightly wrong colours are better than none. Null for null, when memory
+/// is short or `stop` was requested.
 [[nodiscard]] BitmapPtr converted(BitmapPtr bitmap, const ColorProfilePtr& profile, PixelFormat format,
                                   const std::stop_token& stop);
 

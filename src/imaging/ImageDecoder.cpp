@@ -31,7 +31,7 @@ BitmapPtr original(const FileURL& url, std::optional<int> maximum, const std::st
     const auto source = ImageSource::open(url);
     if (!source) return nullptr;
     auto target = maximum;
-    if (const auto size = source->pixelSize())
+    if (const auto size = source->pixelSize(); size && !size->isEmpty())
         target = std::min(target.value_or(size->longestSide()), size->longestSide());
     if (isRaw(url)) {
         const auto preview = source->storedPreview(maximum, stop);
@@ -43,7 +43,9 @@ BitmapPtr original(const FileURL& url, std::optional<int> maximum, const std::st
 }
 
 BitmapPtr storedThumbnail(const FileURL& url, const std::stop_token& stop) {
-    if (isRaw(url)) return nullptr;
+    // Nor has a film any, and opening one takes long.
+    const auto kind = mediaKind(url.extension());
+    if (kind == MediaKind::raw || kind == MediaKind::video) return nullptr;
     const auto source = ImageSource::open(url);
     if (!source) return nullptr;
     auto preview = source->storedPreview(quickThumbnailSize, stop);
@@ -70,7 +72,8 @@ BitmapPtr cropLetterbox(BitmapPtr preview, std::optional<PixelSize> fileSize, Or
 }
 
 BitmapPtr prepareForDisplay(BitmapPtr bitmap, const std::stop_token& stop) {
-    return converted(std::move(bitmap), DisplayColorSpace::current(), PixelFormat::bgrx8, stop);
+    return orNothing(
+        [&] { return converted(std::move(bitmap), DisplayColorSpace::current(), PixelFormat::bgrx8, stop); });
 }
 
 } // namespace kelvara::ImageDecoder

@@ -18,7 +18,8 @@ namespace kelvara::ImageDecoder {
                                        const std::stop_token& stop, Depth depth = Depth::eight);
 
 /// The preview stored in the file, at most 512 pixels, without the black bars that it may have, prepared for
-/// display. Never decodes the full image; null for RAW files, whose previews `decodeOriginal` uses.
+/// display. Never decodes the full image; null for RAW files, whose previews `decodeOriginal` uses, and
+/// for videos.
 [[nodiscard]] BitmapPtr embeddedThumbnail(const FileURL& url, const std::stop_token& stop);
 
 /// `preview` cut to the shape of a picture of `fileSize` stored pixels, in the middle. Null when nothing is

@@ -135,6 +135,7 @@ ImageLoader::Request ImageLoader::load(std::string key, Priority priority, Work 
             } else if (shared->work && shared->priority == Priority::prefetch &&
                        priority == Priority::visible) {
                 shared->priority = priority;
+                std::swap(shared->work, work); // which may queue for the file by its own priority
                 needsBegin = true;
             }
             shared->waiters.push_back({id, std::move(done)});

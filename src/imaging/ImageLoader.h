@@ -30,7 +30,8 @@ public:
     ImageLoader& operator=(const ImageLoader&) = delete;
 
     /// From the cache, from the run that is under way for the key, or from `work`. A visible request takes a
-    /// prefetch that has not begun over to its own executor. A null result is delivered but not cached.
+    /// prefetch that has not begun over to its own executor and `work`. A null result is delivered but not
+    /// cached.
     [[nodiscard]] Request load(std::string key, Priority priority, Work work, Done done);
     /// The same for nobody; can't be withdrawn.
     void prefetch(std::string key, Work work);

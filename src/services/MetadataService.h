@@ -41,7 +41,8 @@ public:
     /// Who waits: somebody who looks at this one photo, or a grid full of them, whose pictures come first.
     enum class Priority { visible, background };
     /// Called once on the main thread, never before the request has returned; with nothing but empty fields
-    /// for a file that can't be read.
+    /// for a file that can't be read. What the callback of a withdrawn request owns may end on a background
+    /// thread.
     using ExifCallback = std::function<void(const ExifInfo&)>;
     using SectionsCallback = std::function<void(std::vector<MetadataSection>)>;
 

@@ -30,6 +30,7 @@ void LoupePictures::load(const PhotoItem* item) {
 void LoupePictures::reload() { begin(); }
 
 void LoupePictures::begin() {
+    m_quickRequest = {};
     m_thumbnailRequest = {};
     m_fullRequest = {};
     m_halving.cancel();
@@ -46,6 +47,11 @@ void LoupePictures::begin() {
         prefetchThumbnails();
         return requestFull();
     }
+    // Small as it is, it shows at once that the key was heard, and which photo this is.
+    if (!first) {
+        m_quickRequest =
+            m_thumbnails.quickThumbnail(m_item.url, [this](const auto& bitmap) { receiveQuick(bitmap); });
+    }
     m_thumbnailRequest = m_thumbnails.thumbnail(m_item.url, thumbnailSize,
                                                 [this](const auto& bitmap) { receiveThumbnail(bitmap); });
 }
@@ -53,6 +59,12 @@ void LoupePictures::begin() {
 void LoupePictures::showThumbnail(const BitmapPtr& bitmap) {
     // At most 1024 pixels, so halved while one waits.
     if (bitmap) m_shown.image = ImagePyramid::build(wrapped(bitmap));
+}
+
+void LoupePictures::receiveQuick(const BitmapPtr& bitmap) {
+    if (!bitmap || m_shown.image) return;
+    showThumbnail(bitmap);
+    m_onChange();
 }
 
 void LoupePictures::receiveThumbnail(const BitmapPtr& bitmap) {

@@ -12,7 +12,8 @@
 namespace kelvara {
 
 /// Brings the pictures of the photo in the loupe in the order in which they can be had: what is in memory at
-/// once, a thumbnail, the full picture; and then those of its neighbours. Main thread.
+/// once, the small picture stored in the file, a thumbnail, the full picture; and then those of its
+/// neighbours. Main thread.
 ///
 /// What it shows always belongs to the photo that was asked for last.
 class LoupePictures {
@@ -40,6 +41,7 @@ public:
 private:
     void begin();
     void showThumbnail(const BitmapPtr& bitmap);
+    void receiveQuick(const BitmapPtr& bitmap);
     void receiveThumbnail(const BitmapPtr& bitmap);
     void requestFull();
     void receiveFull(const BitmapPtr& bitmap);
@@ -53,6 +55,7 @@ private:
     std::function<void()> m_onChange;
     Shown m_shown;
     PhotoItem m_item;
+    ImageRequest m_quickRequest;
     ImageRequest m_thumbnailRequest;
     ImageRequest m_fullRequest;
     LatestOnly m_halving;

@@ -206,6 +206,7 @@ TEST_F(PngTest, whatIsMissingOrDamagedDoesNoHarm) {
         EXPECT_EQ(colorAt(*most, 0, 0).red, 200);
         EXPECT_EQ(colorAt(*most, 80, 20).red, 200);
         EXPECT_EQ(colorAt(*most, 159, 159).red, isInterlaced ? 200 : 128);
+        EXPECT_EQ(most->data()[most->byteCount() - 1], 255) << "opaque, as everywhere";
     }
 }
 

@@ -10,8 +10,8 @@ namespace kelvara {
 namespace {
 
 /// Writes ten seconds of video in which every frame is a key frame: the first half second black, the rest
-/// light. The container asks for a quarter turn clockwise.
-void writeVideo(const std::string& path, PixelSize size) {
+/// `light`. The container asks for a quarter turn clockwise.
+void writeVideo(const std::string& path, PixelSize size, int light = 200, bool isHLG = false) {
     AVFormatContext* format = nullptr;
     ASSERT_GE(avformat_alloc_output_context2(&format, nullptr, nullptr, path.c_str()), 0);
     const auto* encoder = avcodec_find_encoder(AV_CODEC_ID_MPEG4);
@@ -22,6 +22,11 @@ void writeVideo(const std::string& path, PixelSize size) {
     codec->pix_fmt = AV_PIX_FMT_YUV420P;
     codec->time_base = {1, 10};
     codec->gop_size = 1;
+    if (isHLG) {
+        codec->color_primaries = AVCOL_PRI_BT2020;
+        codec->color_trc = AVCOL_TRC_ARIB_STD_B67;
+        codec->colorspace = AVCOL_SPC_BT2020_NCL;
+    }
     codec->bit_rate = 1'000'000;
     codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     ASSERT_GE(avcodec_open2(codec, encoder, nullptr), 0);
@@ -47,7 +52,7 @@ void writeVideo(const std::string& path, PixelSize size) {
                     static_cast<std::size_t>(frame->linesize[plane]) * static_cast<std::size_t>(height);
                 std::fill_n(frame->data[plane], bytes, static_cast<std::uint8_t>(value));
             };
-            fill(0, size.height, i < 5 ? 16 : 200);
+            fill(0, size.height, i < 5 ? 16 : light);
             fill(1, size.height / 2, 128);
             fill(2, size.height / 2, 128);
             frame->pts = i;
@@ -85,6 +90,29 @@ TEST(VideoTest, thePosterIsAFrameAfterTheOpeningAndUpright) {
             EXPECT_EQ(image->size().longestSide(), 32);
         }
     }
+}
+
+TEST(VideoTest, everyPixelOfAnUnscaledFrameIsFilled) {
+    const TemporaryFolder folder;
+    for (const PixelSize size : {PixelSize{134, 64}, PixelSize{130, 66}}) {
+        const auto url = folder.at("a.mp4");
+        ASSERT_NO_FATAL_FAILURE(writeVideo(url.path(), size));
+        const auto poster = ImageDecoder::decodeOriginal(url, std::nullopt, {});
+        ASSERT_TRUE(poster);
+        for (int y = 0; y < poster->height(); ++y) {
+            for (int x = 0; x < poster->width(); ++x)
+                ASSERT_TRUE(isNear(colorAt(*poster, x, y), {214, 214, 214}, 10)) << x << ' ' << y;
+        }
+    }
+}
+
+TEST(VideoTest, highDynamicRangeComesOutAsAScreenShowsIt) {
+    const TemporaryFolder folder;
+    const auto url = folder.at("a.mp4");
+    ASSERT_NO_FATAL_FAILURE(writeVideo(url.path(), {128, 64}, 180, true));
+    const auto poster = ImageDecoder::prepareForDisplay(ImageDecoder::decodeOriginal(url, 64, {}), {});
+    ASSERT_TRUE(poster);
+    EXPECT_TRUE(isNear(colorAt(*poster, 8, 8), {228, 228, 228}, 4)); // three quarters are diffuse white
 }
 
 } // namespace

@@ -16,6 +16,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#if defined(__SANITIZE_ADDRESS__)
+// The HEVC encoder, which only tests use, keeps a few kilobytes of each picture.
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() { return "leak:libx265"; }
+#endif
+
 namespace kelvara {
 namespace {
 
@@ -119,6 +125,9 @@ TEST_F(MetadataFileTest, everythingIsDumpedInReadableForm) {
         auto& exif = image->exifData();
         exif.erase(exif.findKey(Exiv2::ExifKey{"Exif.Photo.LensModel"}));
         exif["Exif.Photo.UserComment"] = "charset=Ascii Evening";
+        exif["Exif.Image.XPTitle"] = "76 0 97 0 99 0 32 0 233 0 0 0"; // in UTF-16
+        exif["Exif.Image.TIFFEPStandardID"] = "65 0 1 2";
+        exif["Exif.Image.CFAPattern"] = "50";
         Exiv2::DataValue blob;
         const std::vector<Exiv2::byte> noise(1500, 0x80);
         blob.read(noise.data(), static_cast<long>(noise.size()));
@@ -141,6 +150,9 @@ TEST_F(MetadataFileTest, everythingIsDumpedInReadableForm) {
     EXPECT_EQ(value(sections, "Exif", "User Comment"), "Evening");
     EXPECT_EQ(value(sections, "Exif", "Device Setting Description"), "2 KB");
     EXPECT_EQ(value(sections, "TIFF", "Make"), "Kelvara");
+    EXPECT_EQ(value(sections, "TIFF", "XP Title"), "Lac é");
+    EXPECT_EQ(value(sections, "TIFF", "TIFFEP Standard ID"), "65, 0, 1, 2");
+    EXPECT_EQ(value(sections, "TIFF", "CFA Pattern"), "50");
     EXPECT_EQ(value(sections, "ExifAux", "Lens Model"), "KL 35mm F1.4");
     EXPECT_EQ(value(sections, "GPS", "GPS Latitude"), "46.5");
     EXPECT_EQ(value(sections, "GPS", "GPS Longitude"), "7.75");

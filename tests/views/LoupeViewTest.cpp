@@ -1,4 +1,5 @@
 #include "views/LoupeView.h"
+#include "imaging/DecodingTest.h"
 #include "views/LoupeInfoBar.h"
 #include "views/PictureFixture.h"
 #include "views/ZoomableImageView.h"
@@ -71,6 +72,23 @@ TEST_F(LoupeViewTest, showsAThumbnailFirstAndThenTheFullPicture) {
     EXPECT_NEAR(view().geometry().toView({0, 0}).x, before.x, 0.5);
     EXPECT_NEAR(view().geometry().toView({0, 0}).y, before.y, 0.5);
     EXPECT_TRUE(view().zoom()->isAtFit);
+}
+
+TEST_F(LoupeViewTest, showsTheStoredThumbnailUntilABetterOneIsThere) {
+    JpegRecipe stored{.size = {150, 100}};
+    stored.paint = [](int, int) { return std::array<std::uint8_t, 4>{255, 0, 0, 0}; };
+    JpegRecipe photo{.size = {1800, 1200}};
+    photo.paint = [](int, int) { return std::array<std::uint8_t, 4>{0, 0, 255, 0}; };
+    photo.exif = exifBlock(1, makeJpeg(stored));
+    const auto bytes = makeJpeg(photo);
+    m_card.write("a.jpg", {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    show();
+    while (!hue() && (m_main.runOne() || m_decoding.runOne())) {
+    }
+    EXPECT_EQ(hue(), 0); // red: the stored one
+    EXPECT_TRUE(m_loupe->isLoading());
+    settlePictures();
+    EXPECT_TRUE(showsHue(240));
 }
 
 TEST_F(LoupeViewTest, neverShowsThePictureOfAnotherPhoto) {

@@ -4,6 +4,7 @@
 #include "imaging/codecs/ExifBlock.h"
 #include "imaging/codecs/Exiv2Setup.h"
 #include "imaging/codecs/JpegDecoder.h"
+#include "imaging/codecs/RangeIo.h"
 #include "imaging/codecs/RawDeveloper.h"
 #include "imaging/codecs/RawLayout.h"
 
@@ -18,10 +19,11 @@ namespace {
 
 /// The preview that serves the request best among those that Exiv2 knows of; for containers that neither the
 /// locator nor LibRaw can read. It reads much of the file, so it comes last.
-std::vector<std::uint8_t> previewByExiv2(const FileURL& url, std::optional<int> maximum) {
+std::vector<std::uint8_t> previewByExiv2(const ByteRange& file, std::optional<int> maximum) {
     try {
         prepareExiv2();
-        const auto image = Exiv2::ImageFactory::open(url.path());
+        const auto image = openByExiv2(file);
+        if (!image) return {};
         image->readMetadata();
         const Exiv2::PreviewManager manager{*image};
         const auto sizeOf = [](const Exiv2::PreviewProperties& preview) {
@@ -43,8 +45,9 @@ std::vector<std::uint8_t> previewByExiv2(const FileURL& url, std::optional<int> 
 
 class RawSource : public ImageSource {
 public:
-    RawSource(FileURL url, RawLayout layout, std::unique_ptr<RawDeveloper> developer)
-        : m_url{std::move(url)}, m_layout{std::move(layout)}, m_developer{std::move(developer)} {}
+    RawSource(FileURL url, ByteRange bytes, RawLayout layout, std::unique_ptr<RawDeveloper> developer)
+        : m_url{std::move(url)}, m_bytes{std::move(bytes)}, m_layout{std::move(layout)},
+          m_developer{std::move(developer)} {}
 
     [[nodiscard]] std::optional<PixelSize> pixelSize() const override { return m_layout.size; }
     [[nodiscard]] Orientation orientation() const override {
@@ -90,13 +93,13 @@ private:
     }
 
     BitmapPtr previewByLibraries(std::optional<int> maximum, const std::stop_token& stop) {
-        const auto* developer = openDeveloper();
-        auto preview = developer ? m_developer->preview() : RawDeveloper::Preview{};
+        auto* developer = openDeveloper();
+        auto preview = developer ? developer->preview() : RawDeveloper::Preview{};
         if (preview.bitmap) {
             if (maximum) preview.bitmap = scaledDown(preview.bitmap, *maximum);
             return turnedUpright(preview.bitmap, orientation(), stop);
         }
-        if (preview.jpeg.empty()) preview.jpeg = previewByExiv2(m_url, maximum);
+        if (preview.jpeg.empty()) preview.jpeg = previewByExiv2(m_bytes, maximum);
         return decode(ByteRange{ByteSource::ofMemory(std::move(preview.jpeg))}, m_layout.isAdobeRGB, maximum,
                       stop);
     }
@@ -109,6 +112,7 @@ private:
     }
 
     FileURL m_url;
+    ByteRange m_bytes;
     RawLayout m_layout;
     std::unique_ptr<RawDeveloper> m_developer; // opened when needed
 };
@@ -125,8 +129,8 @@ std::unique_ptr<ImageSource> openRaw(const FileURL& url, ByteRange bytes) {
         if (!layout.orientation) layout.orientation = developer->orientation();
     }
     const bool isUnderstood = layout.size || !layout.previews.empty();
-    if (!isUnderstood && previewByExiv2(url, std::nullopt).empty()) return nullptr;
-    return std::make_unique<RawSource>(url, std::move(layout), std::move(developer));
+    if (!isUnderstood && previewByExiv2(bytes, std::nullopt).empty()) return nullptr;
+    return std::make_unique<RawSource>(url, std::move(bytes), std::move(layout), std::move(developer));
 }
 
 } // namespace kelvara

@@ -43,17 +43,26 @@ Owned<AVCodecContext> openDecoder(const AVStream& stream) {
     return decoder;
 }
 
-/// The frame's colours as sRGB pixels, scaled to the size in which it is shown.
+/// Of the RGB that its numbers become; streams use the code points as they are.
+ColorProfilePtr profileOf(const AVFrame& frame) {
+    auto profile = ColorProfile::fromCodePoints(frame.color_primaries, frame.color_trc);
+    return profile ? profile : ColorProfile::sRGB();
+}
+
+/// The frame's pixels, scaled to the size in which it is shown.
 BitmapPtr bitmapOf(const AVFrame& frame, PixelSize size) {
+    // The fast conversion, which this flag rules out, leaves the last columns of a frame that isn't scaled
+    // unwritten unless its width is a multiple of eight.
+    constexpr int flags = SWS_AREA | SWS_ACCURATE_RND;
     const Owned<SwsContext> scaler{
         sws_getContext(frame.width, frame.height, static_cast<AVPixelFormat>(frame.format), size.width,
-                       size.height, AV_PIX_FMT_BGR0, SWS_AREA, nullptr, nullptr, nullptr)};
-    auto bitmap = Bitmap::create(size, ColorProfile::sRGB());
+                       size.height, AV_PIX_FMT_BGR0, flags, nullptr, nullptr, nullptr)};
+    auto bitmap = Bitmap::create(size, profileOf(frame));
     if (!scaler || !bitmap) return nullptr;
-    // High definition uses other coefficients than what the library assumes where a stream says nothing.
-    const bool isHighDefinition = frame.colorspace == AVCOL_SPC_BT709 ||
-                                  (frame.colorspace == AVCOL_SPC_UNSPECIFIED && frame.height >= 720);
-    const auto* coefficients = sws_getCoefficients(isHighDefinition ? SWS_CS_ITU709 : SWS_CS_DEFAULT);
+    // The library numbers coefficients as streams do, but takes those of standard definition for one that
+    // says nothing.
+    const bool isHighDefinition = frame.colorspace == AVCOL_SPC_UNSPECIFIED && frame.height >= 720;
+    const auto* coefficients = sws_getCoefficients(isHighDefinition ? SWS_CS_ITU709 : frame.colorspace);
     const int isFullRange = frame.color_range == AVCOL_RANGE_JPEG ? 1 : 0;
     constexpr int one = 1 << 16;
     sws_setColorspaceDetails(scaler.get(), coefficients, isFullRange, sws_getCoefficients(SWS_CS_DEFAULT), 1,

@@ -2,13 +2,14 @@
 
 #include "imaging/codecs/Exiv2Setup.h"
 #include "imaging/codecs/ImageSource.h"
+#include "imaging/codecs/RangeIo.h"
 #include "imaging/codecs/RawLayout.h"
 #include "model/MediaKind.h"
 #include "services/metadata/OtherLibraries.h"
-#include "services/metadata/RangeIo.h"
 #include "services/metadata/TiffExcerpt.h"
 
 #include <exception>
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -25,13 +26,12 @@ ByteRange describedPart(const ByteRange& file) {
     return layout.previews.empty() ? file : layout.previews.front().jpeg;
 }
 
-// The library's smart pointer is an old one.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-Exiv2::Image::AutoPtr open(const ByteRange& file) {
-    return Exiv2::ImageFactory::open(Exiv2::BasicIo::AutoPtr{new RangeIo{file}});
+/// `excerpt` outlives the image.
+std::unique_ptr<Exiv2::Image> openExcerpt(const TiffExcerpt& excerpt) {
+    const auto bytes = excerpt.bytes();
+    return std::unique_ptr<Exiv2::Image>{
+        Exiv2::ImageFactory::open(bytes.data(), static_cast<long>(bytes.size())).release()};
 }
-#pragma GCC diagnostic pop
 
 /// Of HEIF pictures, for which libheif would read most of the file. Their EXIF repeats how the container
 /// turns them.
@@ -47,10 +47,8 @@ void takeHeifSize(const Exiv2::Image& image, LoadedMetadata& to) {
 void readByExiv2(const ByteRange& file, LoadedMetadata& to) {
     const auto part = describedPart(file);
     const auto excerpt = TiffExcerpt::read(part);
-    const auto image = excerpt ? Exiv2::ImageFactory::open(excerpt->bytes().data(),
-                                                           static_cast<long>(excerpt->bytes().size()))
-                               : open(part);
-    if (!image.get()) return;
+    const auto image = excerpt ? openExcerpt(*excerpt) : openByExiv2(part);
+    if (!image) return;
     try {
         image->readMetadata();
     } catch (const std::exception&) {

@@ -69,7 +69,7 @@ bool isStructure(const std::string& group, const std::string& tag) {
     return group == "MakerNote" || std::ranges::find(tags, tag) != tags.end();
 }
 
-/// Degrees, minutes and seconds, or hours.
+/// Degrees from degrees, minutes and seconds.
 std::optional<double> sexagesimal(const Exiv2::Value& value) {
     double sum = 0, unit = 1;
     const auto parts = MetadataValues::numbers(value, 3);
@@ -88,6 +88,10 @@ std::string describeTag(const Exiv2::Exifdatum& datum, const Exiv2::ExifData& ex
         const auto degrees = sexagesimal(value);
         return degrees ? decimalText(*degrees, 6) : std::string{};
     }
+    // Titles, authors and keywords as Windows adds them, in UTF-16.
+    constexpr long mostUTF16 = 4000;
+    if (datum.groupName() == "Image" && tag.starts_with("XP") && datum.size() <= mostUTF16)
+        return MetadataValues::trimmed(datum.print(&exif));
     // A maker's numbers mean nothing to people until they are looked up.
     if (Exiv2::ExifTags::isMakerGroup(datum.groupName()) && datum.size() <= 256) {
         auto text = MetadataValues::trimmed(datum.print(&exif));

@@ -66,8 +66,9 @@ std::string sizeText(const Exiv2::Value& value) { return byteCountText(std::max(
 
 std::string describeBytes(const Exiv2::Value& value) {
     const auto bytes = bytesOf(value);
-    const auto text = trimmed(bytes);
-    if (!text.empty() && isPrintable(text)) return shortened(text);
+    const auto text = std::string_view{bytes}.substr(0, bytes.find_last_not_of('\0') + 1);
+    // A single one is more often a number.
+    if (text.size() > 1 && isPrintable(text)) return shortened(trimmed(text));
     if (bytes.size() > mostListed) return sizeText(value);
     std::vector<std::string> parts;
     for (const auto byte : bytes) parts.push_back(std::to_string(static_cast<unsigned char>(byte)));

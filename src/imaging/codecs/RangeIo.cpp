@@ -1,8 +1,9 @@
-#include "services/metadata/RangeIo.h"
+#include "imaging/codecs/RangeIo.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 namespace kelvara {
 namespace {
@@ -74,5 +75,14 @@ Exiv2::byte* RangeIo::mmap(bool) {
     if (m_copy.size() != m_bytes.size()) throw Exiv2::Error{Exiv2::kerCallFailed};
     return m_copy.data();
 }
+
+// The library's smart pointer is an old one.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+std::unique_ptr<Exiv2::Image> openByExiv2(ByteRange bytes) {
+    auto image = Exiv2::ImageFactory::open(Exiv2::BasicIo::AutoPtr{new RangeIo{std::move(bytes)}});
+    return std::unique_ptr<Exiv2::Image>{image.release()};
+}
+#pragma GCC diagnostic pop
 
 } // namespace kelvara

@@ -5,6 +5,7 @@
 #include <exiv2/exiv2.hpp>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -46,5 +47,9 @@ private:
     std::uint64_t m_blockStart = 0;
     std::vector<std::uint8_t> m_copy;
 };
+
+/// The part of a file as Exiv2 sees it, nothing of its metadata read yet. Null when the bytes are of no
+/// format that the library knows; may throw what it throws.
+[[nodiscard]] std::unique_ptr<Exiv2::Image> openByExiv2(ByteRange bytes);
 
 } // namespace kelvara
