@@ -48,6 +48,9 @@ SourceSidebar::SourceSidebar(LibraryViewModel& library, Desktop& desktop, QWidge
 }
 
 void SourceSidebar::rebuild() {
+    const auto focused =
+        std::ranges::find_if(m_entries, [](const Entry& entry) { return entry.row->hasFocus(); });
+    const auto focusedSource = focused == m_entries.end() ? FileURL{} : focused->source;
     while (auto* item = m_column->takeAt(0)) {
         // Later, as the click that led here may still be in one of them.
         if (item->widget()) item->widget()->hide(), item->widget()->deleteLater();
@@ -73,6 +76,10 @@ void SourceSidebar::rebuild() {
     }
     m_column->addStretch(1);
     markCurrent();
+    if (focusedSource.isEmpty()) return;
+    for (const auto& entry : m_entries) {
+        if (entry.source == focusedSource) entry.row->setFocus(Qt::OtherFocusReason);
+    }
 }
 
 void SourceSidebar::addHeading(const QString& title) {

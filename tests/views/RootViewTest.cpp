@@ -329,6 +329,15 @@ TEST_F(RootViewTest, theSidebarKeepsTheWidthTheUserGaveItThroughANarrowWindow) {
     EXPECT_NEAR(splitter->sizes()[0], width, 1);
 }
 
+TEST_F(RootViewTest, aSourceKeepsTheKeyboardWhileTheSidebarIsListedAnew) {
+    open({"a.jpg"});
+    m_volumes.mount(volume(FileURL{"/media/card"}, true));
+    find<VolumeRow>("card")->setFocus();
+    m_volumes.mount(volume(FileURL{"/media/another"}, true));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(QApplication::focusWidget(), find<VolumeRow>("card"));
+}
+
 TEST_F(RootViewTest, theInspectorComesAndGoesAndKeepsItsWidth) {
     open({"a.jpg"}).keepSize({1400, 800});
     QCoreApplication::processEvents();
