@@ -190,7 +190,8 @@ bool RootView::eventFilter(QObject* watched, QEvent* event) {
     // A key that nobody takes travels up through the parents; the window looks at it once.
     if (window->focusWidget() && receiver != window->focusWidget()) return false;
     const auto& key = *static_cast<const QKeyEvent*>(event);
-    const auto command = windowCommand(key.key(), key.modifiers(), keyFocus(receiver), m_library.viewMode());
+    const auto command = windowCommand(latinKey(key.key(), key.nativeScanCode()), key.modifiers(),
+                                       keyFocus(receiver), m_library.viewMode());
     if (!command || (isBeside && !command->isForEveryWindow())) return false;
     if (!key.isAutoRepeat() || command->repeats()) perform(*command);
     return true;

@@ -9,6 +9,8 @@
 #include <QTextEdit>
 
 #include <array>
+#include <iterator>
+#include <string_view>
 
 namespace kelvara {
 
@@ -143,6 +145,18 @@ KeyFocus keyFocus(const QWidget* focusWidget) {
     if (qobject_cast<const QAbstractButton*>(focusWidget)) return KeyFocus::button;
     if (qobject_cast<const QAbstractSlider*>(focusWidget)) return KeyFocus::slider;
     return KeyFocus::photos;
+}
+
+int latinKey(int key, unsigned scanCode) {
+    constexpr int lastLatin = 0x24f;
+    if (key <= lastLatin || key >= Qt::Key_Escape) return key;
+    constexpr std::string_view rows[]{"QWERTYUIOP", "ASDFGHJKL", "ZXCVBNM"};
+    constexpr unsigned firstCodes[]{24, 38, 52};
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        const auto place = scanCode - firstCodes[i]; // wraps around below the first
+        if (place < rows[i].size()) return rows[i][place];
+    }
+    return key;
 }
 
 Command windowCommand(int key, Qt::KeyboardModifiers modifiers, KeyFocus focus, ViewMode mode) {

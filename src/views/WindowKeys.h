@@ -68,6 +68,10 @@ struct WindowCommand {
 enum class KeyFocus { photos, textField, button, slider };
 [[nodiscard]] KeyFocus keyFocus(const QWidget* focusWidget);
 
+/// The Latin letter at the place of a key that types one of another script, so that letters are commands on
+/// every keyboard; any other key as it is. `scanCode` is what X11 and Wayland send: the kernel's code plus 8.
+[[nodiscard]] int latinKey(int key, unsigned scanCode);
+
 /// The command of a key, if the window takes it. `key` is a Qt::Key.
 [[nodiscard]] std::optional<WindowCommand> windowCommand(int key, Qt::KeyboardModifiers modifiers,
                                                          KeyFocus focus, ViewMode mode);

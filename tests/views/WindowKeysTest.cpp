@@ -34,6 +34,16 @@ TEST(WindowKeysTest, photosAreBrowsedMarkedAndRatedWithPlainKeys) {
     EXPECT_FALSE(command(Qt::Key_S, Qt::AltModifier));
 }
 
+TEST(WindowKeysTest, lettersAreCommandsOnKeyboardsOfOtherScripts) {
+    constexpr int cyrillicYeru = 0x42b, greekZeta = 0x396, arabicHah = 0x62d;
+    EXPECT_EQ(latinKey(cyrillicYeru, 39), Qt::Key_S);
+    EXPECT_EQ(latinKey(greekZeta, 52), Qt::Key_Z);
+    EXPECT_EQ(latinKey(arabicHah, 33), Qt::Key_P);
+    EXPECT_EQ(latinKey(arabicHah, 47), arabicHah); // where Latin keyboards have no letter
+    EXPECT_EQ(latinKey(Qt::Key_Z, 29), Qt::Key_Z); // as in Germany
+    EXPECT_EQ(latinKey(Qt::Key_Left, 113), Qt::Key_Left);
+}
+
 TEST(WindowKeysTest, aTextFieldKeepsWhatTypesAndGivesTheFocusBackOnUpDownReturnAndEscape) {
     for (const int key :
          {Qt::Key_S, Qt::Key_I, Qt::Key_Z, Qt::Key_5, Qt::Key_Space, Qt::Key_Left, Qt::Key_Right}) {
