@@ -161,11 +161,12 @@ void paintMark(QPainter& painter, const QRect& rect, const ThumbnailCellState& s
         return paintSymbol(painter, place.topLeft() + QPoint{side / 2, side / 2}, u"checkmark.circle.fill",
                            side, state.isMarkHovered ? blend(theme.mark, theme.text, 0.2) : theme.mark);
     }
-    auto ground = theme.overlay;
-    ground.setAlpha(state.isMarkHovered ? 0xb0 : 0x60);
+    auto ground = theme.window; // the ring lies on the mount, or on a tall picture
+    ground.setAlpha(state.isMarkHovered ? 0xf0 : 0xa0);
     painter.setBrush(ground);
     painter.drawEllipse(QRectF{place}.adjusted(1.5, 1.5, -1.5, -1.5));
-    paintSymbol(painter, place.topLeft() + QPoint{side / 2, side / 2}, u"circle", side, theme.onOverlay);
+    paintSymbol(painter, place.topLeft() + QPoint{side / 2, side / 2}, u"circle", side,
+                state.isMarkHovered ? theme.text : theme.secondaryText);
 }
 
 /// On the mount's lower edge, on a ground of its own for pictures that reach there.
