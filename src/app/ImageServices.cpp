@@ -24,9 +24,13 @@ ImageServices::~ImageServices() {
 }
 
 void ImageServices::emptyCaches() {
+    emptyPictureCaches();
+    m_metadata.emptyCache();
+}
+
+void ImageServices::emptyPictureCaches() {
     m_thumbnails.emptyCaches();
     m_previews.emptyCaches();
-    m_metadata.emptyCache();
 }
 
 void ImageServices::shrinkCaches() {

@@ -22,7 +22,10 @@ public:
     [[nodiscard]] MetadataService& metadata() { return m_metadata; }
     /// For preparing large pictures off the main thread.
     [[nodiscard]] Executor& rendering() { return m_rendering; }
+    /// The files may be others from now on.
     void emptyCaches();
+    /// Only the pictures: they are in the colours of another screen.
+    void emptyPictureCaches();
     /// Halves them, forgetting first what was not used for longest.
     void shrinkCaches();
 

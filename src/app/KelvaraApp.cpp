@@ -84,7 +84,7 @@ PhotoCanvases KelvaraApp::makeCanvases() {
 }
 
 void KelvaraApp::reloadPictures() {
-    m_images.emptyCaches();
+    m_images.emptyPictureCaches();
     m_grid->reloadThumbnails();
     m_loupe->reloadPictures();
 }

@@ -332,6 +332,44 @@ TEST_F(RawTest, aPreviewOfNineTenthsIsPreferredToDevelopment) {
     EXPECT_EQ(side(1800, 9000), 1800) << "no more is asked for than the file has";
 }
 
+/// A layered picture of another kind whose only readable part is the JPEG thumbnail among its resources.
+Bytes makeLayeredPicture(const Bytes& thumbnail) {
+    Bytes result;
+    const auto text = [&](std::string_view characters) {
+        result.insert(result.end(), characters.begin(), characters.end());
+    };
+    const auto number = [&](std::size_t value, int bytes) {
+        for (int shift = (bytes - 1) * 8; shift >= 0; shift -= 8)
+            result.push_back(static_cast<std::uint8_t>(value >> shift));
+    };
+    constexpr std::size_t fields = 28;
+    text("8BPS");
+    for (const auto& [value, bytes] :
+         {std::pair{1, 2}, {0, 4}, {0, 2}, {3, 2}, {400, 4}, {600, 4}, {8, 2}, {3, 2}})
+        number(static_cast<std::size_t>(value), bytes);
+    number(0, 4); // colour table
+    number(12 + fields + thumbnail.size(), 4);
+    text("8BIM");
+    number(0x040C, 2);
+    number(0, 2); // no name
+    number(fields + thumbnail.size(), 4);
+    for (const auto& [value, bytes] : {std::pair{1, 4}, {150, 4}, {100, 4}, {452, 4}, {45200, 4}})
+        number(static_cast<std::size_t>(value), bytes);
+    number(thumbnail.size(), 4);
+    number(24, 2);
+    number(1, 2);
+    result.insert(result.end(), thumbnail.begin(), thumbnail.end());
+    number(0, 4); // layers
+    return result;
+}
+
+TEST_F(RawTest, aContainerThatOnlyTheMetadataLibraryKnowsShowsItsPreview) {
+    const auto image = decode(makeLayeredPicture(plain({150, 100}, green)));
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->size(), (PixelSize{150, 100}));
+    EXPECT_TRUE(isNear(colorAt(*image, 75, 50), green));
+}
+
 TEST_F(RawTest, filesAreDecodedOnManyThreadsAtOnce) {
     auto adobe = quarters({200, 100});
     adobe.icc = ColorProfile::adobeRGB()->icc();

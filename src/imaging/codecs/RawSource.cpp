@@ -129,7 +129,13 @@ std::unique_ptr<ImageSource> openRaw(const FileURL& url, ByteRange bytes) {
         if (!layout.orientation) layout.orientation = developer->orientation();
     }
     const bool isUnderstood = layout.size || !layout.previews.empty();
-    if (!isUnderstood && previewByExiv2(bytes, std::nullopt).empty()) return nullptr;
+    if (!isUnderstood) {
+        // Kept, because finding it reads much of the file.
+        auto jpeg = ByteSource::ofMemory(previewByExiv2(bytes, std::nullopt));
+        auto preview = RawLayout::Preview::read(ByteRange{std::move(jpeg)});
+        if (!preview) return nullptr;
+        layout.previews.push_back(std::move(*preview));
+    }
     return std::make_unique<RawSource>(url, std::move(bytes), std::move(layout), std::move(developer));
 }
 
