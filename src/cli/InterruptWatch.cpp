@@ -1,53 +1,49 @@
 #include "cli/InterruptWatch.h"
 
-#include <array>
-#include <atomic>
-#include <cerrno>
 #include <csignal>
-#include <fcntl.h>
-#include <unistd.h>
+#include <initializer_list>
 
 namespace kelvara::cli {
 
 namespace {
 
-constexpr char interrupted = 'i';
-constexpr char ended = 'e';
-constexpr std::array watchedSignals{SIGINT, SIGTERM};
+/// Sent to the watching thread only, to end it.
+constexpr int endSignal = SIGUSR1;
 
-std::atomic<int> writeEnd{-1};
-static_assert(std::atomic<int>::is_always_lock_free, "a signal handler must not wait");
+sigset_t signalSet(std::initializer_list<int> signals) {
+    sigset_t set;
+    ::sigemptyset(&set);
+    for (const int signal : signals) ::sigaddset(&set, signal);
+    return set;
+}
 
-void onSignal(int) {
-    const int before = errno;
-    (void)!::write(writeEnd, &interrupted, 1);
-    errno = before;
+int waitFor(const sigset_t& signals) {
+    int received = 0;
+    while (::sigwait(&signals, &received) != 0) {
+    }
+    return received;
 }
 
 } // namespace
 
 InterruptWatch::InterruptWatch() {
-    if (::pipe2(m_ends, O_CLOEXEC) != 0) return; // signals then end the program, as they do without a watch
-    writeEnd = m_ends[1];
-    m_thread = std::jthread{[this] {
-        char received = 0;
-        while (::read(m_ends[0], &received, 1) < 0 && errno == EINTR) {
-        }
-        if (received == interrupted) m_stop.request_stop();
+    const auto watched = signalSet({SIGINT, SIGTERM, endSignal});
+    // Threads inherit what is blocked, so that only the one that waits for the signals gets them.
+    ::pthread_sigmask(SIG_BLOCK, &watched, &m_maskBefore);
+    m_thread = std::jthread{[this, watched] {
+        if (waitFor(watched) == endSignal) return;
+        m_stop.request_stop();
+        // A second signal reaches this thread and ends the program.
+        const auto interrupts = signalSet({SIGINT, SIGTERM});
+        ::pthread_sigmask(SIG_UNBLOCK, &interrupts, nullptr);
+        waitFor(signalSet({endSignal}));
     }};
-    struct sigaction action {};
-    action.sa_handler = onSignal;
-    action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
-    for (const int signal : watchedSignals) ::sigaction(signal, &action, nullptr);
 }
 
 InterruptWatch::~InterruptWatch() {
-    if (m_ends[0] < 0) return;
-    for (const int signal : watchedSignals) (void)std::signal(signal, SIG_DFL);
-    (void)!::write(m_ends[1], &ended, 1);
+    ::pthread_kill(m_thread.native_handle(), endSignal);
     m_thread.join();
-    writeEnd = -1;
-    for (const int end : m_ends) ::close(end);
+    ::pthread_sigmask(SIG_SETMASK, &m_maskBefore, nullptr);
 }
 
 } // namespace kelvara::cli

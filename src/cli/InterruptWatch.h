@@ -1,12 +1,14 @@
 #pragma once
 
+#include <csignal>
 #include <stop_token>
 #include <thread>
 
 namespace kelvara::cli {
 
 /// While it lives, the first Ctrl-C (SIGINT) or SIGTERM requests a stop instead of ending the program; a
-/// second one ends it as usual. One at a time.
+/// second one ends it as usual. Made before the threads that are to be interrupted, ended by the thread that
+/// made it, one at a time.
 class InterruptWatch {
 public:
     InterruptWatch();
@@ -18,7 +20,7 @@ public:
 
 private:
     std::stop_source m_stop;
-    int m_ends[2] = {-1, -1}; // of a pipe: the one thing that a signal handler may use to wake a thread
+    sigset_t m_maskBefore{}; // the signals that the making thread blocked
     std::jthread m_thread;
 };
 
