@@ -7,7 +7,7 @@
 #include "library/ItemList.h"
 #include "library/LibraryIndex.h"
 #include "library/LibraryTypes.h"
-#include "library/Observable.h"
+#include "model/Observable.h"
 #include "model/Rating.h"
 #include "model/VolumeInfo.h"
 #include "services/XMPService.h"

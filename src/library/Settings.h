@@ -1,6 +1,6 @@
 #pragma once
 
-#include "library/Observable.h"
+#include "model/Observable.h"
 
 #include <cstdint>
 #include <string_view>

@@ -32,6 +32,7 @@ public:
             source; ///< The folder or card that the items come from; may not be copied into.
         bool intoDateFolders = false; ///< A folder a day, "2024-03-07", below the destination.
         bool createsFolders = true;   ///< Off for a plan that is only looked at.
+        bool verifies = false; ///< Read each copy back and compare it with what was read of the source.
     };
 
     /// One planned file.

@@ -1,4 +1,4 @@
-#include "library/Observable.h"
+#include "model/Observable.h"
 
 #include <gtest/gtest.h>
 
