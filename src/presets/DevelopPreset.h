@@ -6,9 +6,11 @@
 #include "presets/PresetValue.h"
 
 #include <compare>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kelvara {
@@ -43,8 +45,15 @@ struct DevelopPreset {
     double amount = 1;      ///< Strength of `look`, 0 to 1.
     PresetLook adjustments; ///< A second look, applied after the first at full strength.
 
+    /// The most bytes that a preset's file may have: many times what masks and curves take.
+    static constexpr std::size_t maximumFileSize = 8 * 1024 * 1024;
+
     /// Reads a ".lrtemplate" or ".xmp" file; blocks, so it belongs on a background thread.
     [[nodiscard]] static Result<DevelopPreset, LoadError> load(const FileURL& url);
+    /// What loading gives where the file at `url` holds `bytes`; reads nothing.
+    [[nodiscard]] static Result<DevelopPreset, LoadError> read(std::string_view bytes, const FileURL& url);
+    /// A preset of these settings, at full strength.
+    [[nodiscard]] static DevelopPreset of(std::string id, std::string title, PresetSettings settings);
 
     /// The title, with the strength in percent where it is not full: "Warm 65%".
     [[nodiscard]] std::string titleWithAmount() const;
