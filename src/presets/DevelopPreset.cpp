@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <fmt/format.h>
 #include <random>
@@ -21,6 +22,10 @@ constexpr std::array<std::string_view, 7> supportedProfiles{
 };
 constexpr std::array<std::string_view, 7> calibrationKeys{
     "RedHue", "RedSaturation", "GreenHue", "GreenSaturation", "BlueHue", "BlueSaturation", "ShadowTint",
+};
+/// In the order of the sliders.
+constexpr std::array<const char*, LightAdjustments::sliders.size()> lightKeys{
+    "Exposure2012", "Contrast2012", "Highlights2012", "Shadows2012", "Whites2012", "Blacks2012",
 };
 
 std::vector<std::string> unsupportedGroups(const PresetSettings& settings) {
@@ -46,6 +51,13 @@ std::string_view withoutReference(std::string_view title) {
     return equals == std::string_view::npos ? title : title.substr(equals + 1);
 }
 
+/// Spreads a difference in any bit over all of them (the end of MurmurHash3).
+std::uint64_t mixed(std::uint64_t bits) {
+    bits = (bits ^ bits >> 33) * 0xFF51AFD7ED558CCD;
+    bits = (bits ^ bits >> 33) * 0xC4CEB9FE1A85EC53;
+    return bits ^ bits >> 33;
+}
+
 enum class Format { none, lua, xmp };
 
 Format formatOf(std::string_view extension) {
@@ -61,6 +73,15 @@ PresetRevision PresetRevision::make() {
     std::random_device device;
     const auto word = [&] { return std::uint64_t{device()} << 32 | device(); };
     return {word(), word()};
+}
+
+PresetRevision PresetRevision::derived(std::span<const double> amounts) const {
+    auto derived = *this;
+    for (const double amount : amounts) {
+        const auto bits = std::bit_cast<std::uint64_t>(amount);
+        derived = {mixed(derived.high ^ bits), mixed(derived.low + ~bits)};
+    }
+    return derived;
 }
 
 DevelopPreset DevelopPreset::of(std::string id, std::string title, PresetSettings settings) {
@@ -95,6 +116,29 @@ Result<DevelopPreset, DevelopPreset::LoadError> DevelopPreset::read(std::string_
     std::string title{withoutReference(file->title ? *file->title : std::string_view{})};
     if (title.empty()) title = url.stem();
     return of(std::string{url.name()}, std::move(title), std::move(file->settings));
+}
+
+DevelopPreset DevelopPreset::withAmount(double strength) const {
+    auto changed = *this;
+    changed.amount = strength;
+    changed.revision = revision.derived({{strength}});
+    return changed;
+}
+
+std::optional<DevelopPreset> DevelopPreset::combining(const std::optional<DevelopPreset>& preset,
+                                                      const LightAdjustments& light) {
+    if (light.isEmpty()) return preset;
+    auto combined = preset.value_or(DevelopPreset{});
+    if (!preset) combined.revision = {};
+    PresetSettings settings;
+    std::vector<double> amounts{combined.amount};
+    for (const auto slider : LightAdjustments::sliders) {
+        settings.emplace(lightKeys[static_cast<std::size_t>(slider)], light[slider]);
+        amounts.push_back(light[slider]);
+    }
+    combined.adjustments = PresetLook{settings};
+    combined.revision = combined.revision.derived(amounts);
+    return combined;
 }
 
 std::string DevelopPreset::titleWithAmount() const {

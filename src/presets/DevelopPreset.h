@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/FileURL.h"
+#include "model/LightAdjustments.h"
 #include "model/Result.h"
 #include "presets/PresetLook.h"
 #include "presets/PresetValue.h"
@@ -9,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,6 +24,9 @@ struct PresetRevision {
 
     /// A fresh random one.
     [[nodiscard]] static PresetRevision make();
+    /// That of the same preset changed by these amounts; the same for the same, so that pictures that were
+    /// rendered before are found again.
+    [[nodiscard]] PresetRevision derived(std::span<const double> amounts) const;
     friend auto operator<=>(const PresetRevision&, const PresetRevision&) = default;
 };
 
@@ -54,6 +59,13 @@ struct DevelopPreset {
     [[nodiscard]] static Result<DevelopPreset, LoadError> read(std::string_view bytes, const FileURL& url);
     /// A preset of these settings, at full strength.
     [[nodiscard]] static DevelopPreset of(std::string id, std::string title, PresetSettings settings);
+
+    /// The same preset at another strength, 0 to 1. Changing `amount` itself keeps the revision.
+    [[nodiscard]] DevelopPreset withAmount(double strength) const;
+    /// The preset with a photo's edits as its `adjustments`. Without edits the preset itself; without a
+    /// preset one that only draws the edits; without both none.
+    [[nodiscard]] static std::optional<DevelopPreset> combining(const std::optional<DevelopPreset>& preset,
+                                                                const LightAdjustments& light);
 
     /// The title, with the strength in percent where it is not full: "Warm 65%".
     [[nodiscard]] std::string titleWithAmount() const;
