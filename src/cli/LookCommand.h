@@ -5,9 +5,10 @@
 
 namespace kelvara::cli {
 
-/// `kelvara-cli look --preset FILE --colors FILE`
+/// `kelvara-cli look`: what a develop preset makes of colours.
 class LookCommand : public Command {
 public:
+    /// Both outlive it.
     LookCommand(CLI::App& app, const FileSystem& files);
     [[nodiscard]] ExitCode run() const override;
 

@@ -4,7 +4,7 @@
 
 namespace kelvara::cli {
 
-/// `kelvara-cli preset FILE`
+/// `kelvara-cli preset`: what a develop preset sets.
 class PresetCommand : public Command {
 public:
     explicit PresetCommand(CLI::App& app);
