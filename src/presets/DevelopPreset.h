@@ -36,6 +36,7 @@ struct DevelopPreset {
     std::string id; ///< The file's name with extension, or "builtin/" and a name.
     std::string title;
     std::optional<std::string> summary;
+    std::optional<std::string> group; ///< The category that the file names.
     PresetSettings settings;
     PresetLook look;
     std::vector<std::string> unsupportedSettings; ///< Groups that the preview leaves out; sorted.
