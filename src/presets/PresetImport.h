@@ -18,6 +18,8 @@ struct PresetImportReport {
     std::vector<std::string> problems; ///< What was not imported and why, a sentence each.
     bool wasCancelled = false;
 
+    /// Makes it the report of both.
+    void add(PresetImportReport later);
     [[nodiscard]] bool foundNone() const { return imported.empty() && alreadyThere == 0; }
     friend bool operator==(const PresetImportReport&, const PresetImportReport&) = default;
 };
