@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <optional>
-#include <set>
 #include <string_view>
 
 namespace kelvara {
@@ -23,10 +22,6 @@ constexpr std::size_t maximumUnpackedBytes = 512 << 20;
 constexpr std::size_t maximumPresets = 20'000;
 
 using Path = std::vector<std::string>; // names of folders, from the outermost
-
-template <typename... Arguments> std::string sentence(std::string_view text, const Arguments&... arguments) {
-    return fmt::format(fmt::runtime(localized(text)), arguments...);
-}
 
 std::string isNoPreset(std::string_view name) {
     return message(DevelopPreset::LoadError{DevelopPreset::LoadError::Kind::unreadable, std::string{name}});
@@ -138,7 +133,7 @@ private:
             if (unpacked) {
                 addPreset(file.path, file.name, *unpacked);
             } else if (unpacked.error() == ZipArchive::Problem::encrypted) {
-                complain(sentence("{} is protected by a password.", file.name));
+                complain(fmt::format(fmt::runtime(localized("{} is protected by a password.")), file.name));
             } else {
                 complain(isNoPreset(file.name));
             }
