@@ -4,6 +4,7 @@
 #include "app/KelvaraApp.h"
 #include "app/Screenshots.h"
 #include "app/WatchedApplication.h"
+#include "platform/linux/TerminationWatch.h"
 #include "views/ApplicationStyle.h"
 
 #include <QApplication>
@@ -155,6 +156,7 @@ int main(int argumentCount, char** argumentValues) {
     else if (arguments.size)
         app.window().resize(*arguments.size);
     app.window().show();
+    const kelvara::TerminationWatch termination{[&app] { app.window().closeWithoutAsking(); }};
     std::optional<kelvara::Screenshots> screenshots;
     if (takesScreenshots) {
         screenshots.emplace(app.library(), app.window(), arguments.screenshotFolder,

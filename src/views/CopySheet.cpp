@@ -31,16 +31,14 @@ void CopySheet::showProgress(const CopyService::Progress& progress) {
         m_progress = new CopyProgressView;
         m_sheet.present(m_progress);
         m_sheet.setButtons(nullptr, m_progress->cancelButton());
-        connect(m_progress->cancelButton(), &QPushButton::clicked, this, [this] {
-            m_progress->setStopping();
-            m_library.cancelCopy();
-        });
+        connect(m_progress->cancelButton(), &QPushButton::clicked, this, [this] { m_library.cancelCopy(); });
     }
+    if (m_library.isStoppingCopy()) m_progress->setStopping();
     m_progress->show(progress);
 }
 
 void CopySheet::showReport(const CopyService::Report& report) {
-    auto* view = new CopyReportView{report, text(m_library.copyInterruption())};
+    auto* view = new CopyReportView{report, m_library};
     m_sheet.present(view);
     m_sheet.setButtons(view->doneButton(), view->doneButton());
     connect(view->doneButton(), &QPushButton::clicked, this, [this] { m_library.dismissCopy(); });
@@ -48,7 +46,7 @@ void CopySheet::showReport(const CopyService::Report& report) {
             [this, folder = report.destination] { m_desktop.showInFileManager(folder); });
     if (!view->clearButton()) return;
     connect(view->clearButton(), &QPushButton::clicked, this, [this, button = view->clearButton()] {
-        m_library.clearMarks();
+        m_library.unmarkCopiedPhotos();
         button->setEnabled(false);
     });
 }

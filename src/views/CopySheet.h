@@ -39,10 +39,13 @@ class CopyReportView : public QWidget {
     Q_OBJECT
 
 public:
-    /// `interruption`: why it was stopped from outside; empty when it was not.
-    CopyReportView(const CopyService::Report& report, const QString& interruption, QWidget* parent = nullptr);
+    /// `library` tells more of the copy that `report` is of.
+    CopyReportView(const CopyService::Report& report, const LibraryViewModel& library,
+                   QWidget* parent = nullptr);
     [[nodiscard]] QPushButton* showButton() const { return m_show; }
-    [[nodiscard]] QPushButton* clearButton() const { return m_clear; } ///< Null where it would lose marks.
+    [[nodiscard]] QPushButton* clearButton() const {
+        return m_clear;
+    } ///< Null where photos are left to copy.
     [[nodiscard]] QPushButton* doneButton() const { return m_done; }
 
 private:

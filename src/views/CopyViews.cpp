@@ -1,5 +1,6 @@
 #include "views/CopySheet.h"
 
+#include "views/CopyFailureList.h"
 #include "views/CopyTexts.h"
 #include "views/Symbols.h"
 #include "views/Text.h"
@@ -7,9 +8,7 @@
 #include <QBoxLayout>
 #include <QGridLayout>
 #include <QProgressBar>
-#include <QScrollArea>
 
-#include <algorithm>
 #include <chrono>
 
 namespace kelvara {
@@ -17,7 +16,6 @@ namespace kelvara {
 namespace {
 
 constexpr int sheetWidth = 420;
-constexpr int listHeight = 168;
 constexpr int barSteps = 10'000;
 
 QVBoxLayout* makeColumn(QWidget* owner) {
@@ -58,34 +56,6 @@ QLabel* makeParagraph(const QString& text, QWidget* parent) {
     return label;
 }
 
-/// Every file that failed with its reason; scrolls when there are many.
-QWidget* makeFailureList(const CopyService::Report& report, QWidget* parent) {
-    auto* list = new Panel{&Theme::field};
-    auto* column = new QVBoxLayout{list};
-    column->setContentsMargins(spacing::medium, spacing::small, spacing::medium, spacing::small);
-    column->setSpacing(spacing::small);
-    for (const auto& failure : report.failures) {
-        auto* name = new ElidedLabel{list};
-        name->setText(text(failure.fileName));
-        dress(*name, TextRole::emphasis, Tone::normal);
-        auto* reason = makeLabel(TextRole::caption, Tone::quiet, list, text(failure.reason));
-        reason->setWordWrap(true);
-        auto* pair = new QVBoxLayout;
-        pair->setSpacing(1);
-        pair->addWidget(name);
-        pair->addWidget(reason);
-        column->addLayout(pair);
-    }
-    column->addStretch(1);
-    auto* area = new QScrollArea{parent};
-    area->setWidgetResizable(true);
-    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    area->setWidget(list);
-    area->setFixedHeight(std::min(listHeight, static_cast<int>(report.failures.size()) * 48 + 12));
-    area->setAccessibleName(CopyReportView::tr("Files that failed"));
-    return area;
-}
-
 struct RowLook {
     QStringView symbolName;
     QColor Theme::*color;
@@ -104,13 +74,13 @@ RowLook look(CopyReportRow::Kind kind) {
     return {u"exclamationmark.triangle.fill", &Theme::danger};
 }
 
-QGridLayout* makeRows(const CopyService::Report& report, QWidget* parent) {
+QGridLayout* makeRows(const QList<CopyReportRow>& rows, QWidget* parent) {
     auto* grid = new QGridLayout;
     grid->setHorizontalSpacing(spacing::small);
     grid->setVerticalSpacing(spacing::small);
     grid->setColumnStretch(2, 1);
     int line = 0;
-    for (const auto& row : copyReportRows(report)) {
+    for (const auto& row : rows) {
         const auto [symbolName, color] = look(row.kind);
         grid->addWidget(makeSymbolLabel(symbolName, 18, Theme::current().*color, parent), line, 0);
         grid->addWidget(makeLabel(TextRole::emphasis, Tone::normal, parent, row.count), line, 1);
@@ -156,10 +126,7 @@ CopyProgressView::CopyProgressView(QWidget* parent) : QWidget{parent} {
 void CopyProgressView::show(const CopyService::Progress& progress) {
     m_title->setText(
         tr("Copying %1 of %2").arg(countText(progress.completedFiles), countText(progress.totalFiles)));
-    const auto share = progress.totalBytes > 0 ? static_cast<double>(progress.completedBytes) /
-                                                     static_cast<double>(progress.totalBytes)
-                                               : 0.0;
-    m_bar->setValue(static_cast<int>(std::clamp(share, 0.0, 1.0) * barSteps));
+    m_bar->setValue(static_cast<int>(completedShare(progress) * barSteps));
     m_file->setText(text(progress.currentFile));
     m_fileSymbol->setVisible(!progress.currentFile.empty());
     if (m_cancel->isEnabled()) {
@@ -173,10 +140,11 @@ void CopyProgressView::setStopping() {
     m_remaining->setText(tr("Finishing the files in progress…"));
 }
 
-CopyReportView::CopyReportView(const CopyService::Report& report, const QString& interruption,
+CopyReportView::CopyReportView(const CopyService::Report& report, const LibraryViewModel& library,
                                QWidget* parent)
     : QWidget{parent} {
     const auto& theme = Theme::current();
+    const auto interruption = text(library.copyInterruption());
     const auto wentWell = interruption.isEmpty() && !report.wasCancelled && report.failures.empty();
     auto* column = makeColumn(this);
     column->addLayout(makeHeading(wentWell ? u"checkmark.circle.fill" : u"exclamationmark.triangle.fill",
@@ -187,10 +155,10 @@ CopyReportView::CopyReportView(const CopyService::Report& report, const QString&
         column->addWidget(makeParagraph(interruption, this));
         column->addSpacing(spacing::large);
     }
-    column->addLayout(makeRows(report, this));
+    column->addLayout(makeRows(copyReportRows(report, library.isCopyVerified()), this));
     if (!report.failures.empty()) {
         column->addSpacing(spacing::medium);
-        column->addWidget(makeFailureList(report, this));
+        column->addWidget(new CopyFailureList{report.failures, this});
     }
     column->addSpacing(spacing::huge);
 
@@ -200,7 +168,7 @@ CopyReportView::CopyReportView(const CopyService::Report& report, const QString&
     buttons->setSpacing(spacing::small);
     buttons->addWidget(m_show);
     buttons->addStretch(1);
-    if (report.failures.empty() && !report.wasCancelled) {
+    if (report.failures.empty() && !report.wasCancelled && library.copiedMarkedPhotos()) {
         m_clear = makeButton(tr("Clear Marks"), this);
         m_clear->setToolTip(tr("Unmark the copied photos"));
         buttons->addWidget(m_clear);
