@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QSettings>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
@@ -141,11 +142,14 @@ int main(int argumentCount, char** argumentValues) {
     // Pictures for the documentation depend on nobody's settings, and change none.
     const auto takesScreenshots = !arguments.screenshotFolder.isEmpty();
     const QTemporaryDir scratch;
+    const auto scratchPreferences = scratch.filePath(QStringLiteral("kelvara.conf"));
+    if (takesScreenshots) { // so that nobody is asked where to copy
+        QSettings{scratchPreferences, QSettings::IniFormat}.setValue(
+            QStringLiteral("copyDestination"), scratch.filePath(QStringLiteral("Selects")));
+    }
     kelvara::applyTheme(application, arguments.appearance.value_or(Theme::Appearance::dark));
     kelvara::KelvaraApp app{{.folder = arguments.folder,
-                             .preferencesPath = takesScreenshots
-                                                    ? scratch.filePath(QStringLiteral("kelvara.conf"))
-                                                    : preferencesPath(),
+                             .preferencesPath = takesScreenshots ? scratchPreferences : preferencesPath(),
                              .countsUsage = !takesScreenshots}};
     kelvara::DesktopAppearance desktop{QDBusConnection::sessionBus()};
     QObject::connect(&desktop, &kelvara::DesktopAppearance::reducedMotionChanged, &kelvara::setReducedMotion);

@@ -22,10 +22,10 @@ bool ClosingSheet::canClose() {
 
 void ClosingSheet::ask() {
     m_window.bringToFront(); // it may be closed from the desktop's list of windows
-    auto* question = new AlertView{tr("Stop Copying and Quit?"),
-                                   tr("Files in progress finish and nothing is left half-copied. "
-                                      "The others are not copied."),
-                                   {tr("Stop and Quit"), tr("Keep Copying")}};
+    auto* question =
+        new AlertView{tr("Stop Copying and Quit?"),
+                      tr("The files in progress finish first, so that nothing is left half-copied."),
+                      {tr("Stop and Quit"), tr("Keep Copying")}};
     m_sheet.present(question);
     m_sheet.setButtons(question->defaultButton(), question->defaultButton());
     connect(question->defaultButton(), &QPushButton::clicked, &m_sheet, &Sheet::dismiss);

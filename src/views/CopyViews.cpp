@@ -2,6 +2,7 @@
 
 #include "views/CopyFailureList.h"
 #include "views/CopyTexts.h"
+#include "views/SelectableText.h"
 #include "views/Symbols.h"
 #include "views/Text.h"
 
@@ -19,7 +20,7 @@ constexpr int sheetWidth = 420;
 constexpr int barSteps = 10'000;
 
 QVBoxLayout* makeColumn(QWidget* owner) {
-    owner->setMinimumWidth(sheetWidth);
+    owner->setFixedWidth(sheetWidth); // whatever the names are
     auto* column = new QVBoxLayout{owner};
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -49,18 +50,29 @@ QHBoxLayout* makeHeading(QStringView symbolName, const QColor& color, const QStr
     return row;
 }
 
-QLabel* makeParagraph(const QString& text, QWidget* parent) {
-    auto* label = makeLabel(TextRole::body, Tone::quiet, parent, text);
-    label->setWordWrap(true);
-    label->setMinimumWidth(sheetWidth);
-    return label;
+QWidget* makeParagraph(const QString& text, QWidget* parent) {
+    auto* paragraph = new SelectableText{parent}; // breaks paths, which a label cuts
+    paragraph->setFont(kelvara::font(TextRole::body));
+    paragraph->setAccessibleName(text);
+    paragraph->setFixedWidth(sheetWidth);
+    paragraph->showText(text);
+    return paragraph;
 }
 
-struct RowLook {
+struct SymbolLook {
     QStringView symbolName;
     QColor Theme::*color;
 };
-RowLook look(CopyReportRow::Kind kind) {
+
+SymbolLook headingLook(const CopyService::Report& report, bool wasInterrupted) {
+    if (wasInterrupted || !report.failures.empty())
+        return {u"exclamationmark.triangle.fill", &Theme::warning};
+    // Nothing is wrong with what somebody wanted.
+    if (report.wasCancelled) return {u"xmark.circle.fill", &Theme::secondaryText};
+    return {u"checkmark.circle.fill", &Theme::mark};
+}
+
+SymbolLook look(CopyReportRow::Kind kind) {
     switch (kind) {
     case CopyReportRow::Kind::copied:
         return {u"photo", &Theme::secondaryText};
@@ -143,12 +155,10 @@ void CopyProgressView::setStopping() {
 CopyReportView::CopyReportView(const CopyService::Report& report, const LibraryViewModel& library,
                                QWidget* parent)
     : QWidget{parent} {
-    const auto& theme = Theme::current();
     const auto interruption = text(library.copyInterruption());
-    const auto wentWell = interruption.isEmpty() && !report.wasCancelled && report.failures.empty();
     auto* column = makeColumn(this);
-    column->addLayout(makeHeading(wentWell ? u"checkmark.circle.fill" : u"exclamationmark.triangle.fill",
-                                  wentWell ? theme.mark : theme.warning,
+    const auto [symbolName, color] = headingLook(report, !interruption.isEmpty());
+    column->addLayout(makeHeading(symbolName, Theme::current().*color,
                                   copyReportTitle(report, !interruption.isEmpty()), this));
     column->addSpacing(spacing::large);
     if (!interruption.isEmpty()) {

@@ -197,7 +197,7 @@ bool RootView::hasSheet() const {
 }
 
 bool RootView::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() != QEvent::KeyPress || QApplication::activePopupWidget() || hasSheet()) return false;
+    if (event->type() != QEvent::KeyPress || QApplication::activePopupWidget()) return false;
     const auto* receiver = qobject_cast<const QWidget*>(watched);
     if (!receiver || QApplication::activeModalWidget()) return false;
     const auto* window = receiver->window();
@@ -209,6 +209,7 @@ bool RootView::eventFilter(QObject* watched, QEvent* event) {
     const auto command = windowCommand(latinKey(key.key(), key.nativeScanCode()), key.modifiers(),
                                        keyFocus(receiver), m_library.viewMode());
     if (!command || (isBeside && !command->isForEveryWindow())) return false;
+    if (hasSheet() && command->kind != WindowCommand::Kind::quit) return false;
     if (!key.isAutoRepeat() || command->repeats()) perform(*command);
     return true;
 }
