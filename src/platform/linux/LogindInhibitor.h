@@ -3,9 +3,8 @@
 #include "platform/SleepInhibitor.h"
 
 #include <QDBusConnection>
-#include <QDBusPendingCallWatcher>
-#include <QDBusUnixFileDescriptor>
-#include <memory>
+#include <QDBusPendingCall>
+#include <optional>
 
 namespace kelvara {
 
@@ -16,12 +15,13 @@ public:
     explicit LogindInhibitor(const QDBusConnection& systemBus) : m_systemBus{systemBus} {}
 
     void hold(const std::string& reason) override;
-    void release() override;
+    void release() override { m_lock.reset(); }
 
 private:
     QDBusConnection m_systemBus;
-    std::unique_ptr<QDBusPendingCallWatcher> m_call; // set while held
-    QDBusUnixFileDescriptor m_lock;                  // held for as long as it is open
+    /// The call to logind, whose reply is a descriptor: the lock is held until that is closed. Without
+    /// logind, or where it refuses, nothing is held.
+    std::optional<QDBusPendingCall> m_lock;
 };
 
 } // namespace kelvara
