@@ -4,13 +4,32 @@
 #include "views/Sheet.h"
 #include "views/Text.h"
 
+#include <chrono>
 #include <type_traits>
 
 namespace kelvara {
 
+namespace {
+constexpr std::chrono::milliseconds pause{50};
+} // namespace
+
 CopySheet::CopySheet(LibraryViewModel& library, Desktop& desktop, Sheet& sheet, QObject* parent)
     : QObject{parent}, m_library{library}, m_desktop{desktop}, m_sheet{sheet} {
-    m_subscription = m_library.observe({LibraryProperty::copyState}, [this](const auto&) { refresh(); });
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(pause);
+    connect(&m_pause, &QTimer::timeout, this, [this] {
+        if (m_library.isCopying()) refresh();
+    });
+    m_subscription = m_library.observe({LibraryProperty::copyState}, [this](const auto&) { stateChanged(); });
+    refresh();
+}
+
+void CopySheet::stateChanged() {
+    // Thousands of small files a second would keep the window busy with drawing what nobody can read.
+    if (m_library.isCopying() && !m_library.isStoppingCopy()) {
+        if (m_pause.isActive()) return;
+        m_pause.start();
+    }
     refresh();
 }
 

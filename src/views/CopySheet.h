@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QPointer>
 #include <QPushButton>
+#include <QTimer>
 
 class QProgressBar;
 
@@ -77,6 +78,7 @@ public:
     CopySheet(LibraryViewModel& library, Desktop& desktop, Sheet& sheet, QObject* parent = nullptr);
 
 private:
+    void stateChanged();
     void refresh();
     void showProgress(const CopyService::Progress& progress);
     void showReport(const CopyService::Report& report);
@@ -86,6 +88,7 @@ private:
     Desktop& m_desktop;
     Sheet& m_sheet;
     QPointer<CopyProgressView> m_progress;
+    QTimer m_pause; // between two looks at a copy that runs
     Subscription m_subscription;
 };
 
