@@ -34,6 +34,10 @@ KelvaraApp::KelvaraApp(const Options& options)
                          {QCoreApplication::applicationVersion(), QSysInfo::prettyProductName()}},
       m_analytics{m_settings, m_analyticsService}, m_volumes{QDBusConnection::systemBus()},
       m_desktop{QDBusConnection::sessionBus(), [] { QApplication::beep(); }},
+      m_launcherProgress{QDBusConnection::sessionBus(), QGuiApplication::desktopFileName()},
+      m_sleepInhibitor{QDBusConnection::systemBus()}, m_notifier{QDBusConnection::sessionBus(),
+                                                                 QGuiApplication::desktopFileName(),
+                                                                 [this] { m_window->bringToFront(); }},
       m_locale{QLocale{}.bcp47Name().toStdString()}, m_volumeService{m_volumes, m_locale},
       m_sidecars{m_files}, m_copier{m_files, sidecarWriter(m_sidecars)}, m_images{m_main},
       m_memoryPressure{[this] { m_images.shrinkCaches(); }}, m_background{backgroundThreads},
@@ -59,6 +63,9 @@ KelvaraApp::KelvaraApp(const Options& options)
     m_folderChooser.setWindow(m_window.get());
     QObject::connect(m_grid, &PhotoGridView::photoMenuRequested, m_window.get(), &RootView::showPhotoMenu);
     QObject::connect(m_loupe, &LoupeView::photoMenuRequested, m_window.get(), &RootView::showPhotoMenu);
+    m_copyActivity =
+        std::make_unique<CopyActivity>(*m_library, m_launcherProgress, m_sleepInhibitor, m_notifier,
+                                       [] { return QApplication::activeWindow() != nullptr; });
     m_screenColors = std::make_unique<ScreenColorSpaceObserver>(
         *m_window, QDBusConnection::systemBus(), m_files, m_background, m_main, [this] { reloadPictures(); });
     if (!options.folder.isEmpty())

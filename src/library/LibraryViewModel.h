@@ -54,6 +54,7 @@ enum class LibraryProperty {
     inspectorTab,
     copyDestination,
     copiesIntoDateFolders,
+    verifiesCopies,
     copyState,
     copyInterruption,
     ejectingVolumeID,
@@ -228,7 +229,17 @@ public:
     [[nodiscard]] const FileURL& copyDestination() const { return m_copyDestination; }
     [[nodiscard]] bool copiesIntoDateFolders() const { return m_copiesIntoDateFolders; }
     void setCopiesIntoDateFolders(bool intoDateFolders);
+    /// Whether each copy is read back and compared with the original.
+    [[nodiscard]] bool verifiesCopies() const { return m_verifiesCopies; }
+    void setVerifiesCopies(bool verifies);
     [[nodiscard]] const CopyState& copyState() const { return m_copyState; }
+    [[nodiscard]] bool isCopying() const {
+        return std::holds_alternative<CopyService::Progress>(m_copyState);
+    }
+    /// The running copy has been told to stop, and finishes the files in progress.
+    [[nodiscard]] bool isStoppingCopy() const { return isCopying() && m_copyStop.stop_requested(); }
+    /// Whether the running or last copy was told to verify.
+    [[nodiscard]] bool isCopyVerified() const { return m_copyJob.verifies; }
     /// Why the running or last copy was stopped from outside; empty when it was not.
     [[nodiscard]] const std::string& copyInterruption() const { return m_copyInterruption; }
     /// Copies the marked items, asking for a folder first where none is known.
@@ -236,11 +247,22 @@ public:
     /// Files in progress finish, no other begins.
     void cancelCopy();
     void dismissCopy();
+    /// Whether any photo of the last copy is still marked.
+    [[nodiscard]] bool copiedMarkedPhotos() const;
+    /// Unmarks the photos of the last copy; other marks stay.
+    void unmarkCopiedPhotos();
     /// Asks for a folder; `onChosen` follows when one was chosen.
     void chooseCopyDestination(std::function<void()> onChosen = {});
 
 private:
     struct ScanResult;
+    /// What the running or last copy works on, whatever is chosen meanwhile.
+    struct CopyJob {
+        CheckedItems photos;
+        FileURL source;
+        FileURL destination;
+        bool verifies = false;
+    };
     void restoreState();
     void applyVolumes(std::vector<VolumeInfo> volumes);
     void restoreSource();
@@ -263,6 +285,8 @@ private:
     void didSaveRating(Rating saved, const FileURL& id, const Result<void, XMPError>& result);
     void runCopy();
     void publishCopy(const CopyState& state);
+    void interruptCopy(const FileURL& removedVolume);
+    [[nodiscard]] CopyService::PlanRequest copyRequest() const;
 
     LibraryServices m_services;
     LatestOnly m_scan;
@@ -313,6 +337,8 @@ private:
 
     FileURL m_copyDestination;
     bool m_copiesIntoDateFolders = false;
+    bool m_verifiesCopies = false;
+    CopyJob m_copyJob;
     CopyState m_copyState;
     std::string m_copyInterruption;
     std::stop_source m_copyStop;

@@ -46,7 +46,7 @@ CommandState commandState(const WindowCommand& command, const LibraryViewModel& 
                           const QWidget& window) {
     const auto hasFocus = library.focusedItem() != nullptr;
     const auto hasMarks = !library.checkedIDs().empty();
-    const auto isCopying = std::holds_alternative<CopyService::Progress>(library.copyState());
+    const auto isCopying = library.isCopying();
     const auto isLoupe = library.viewMode() == ViewMode::loupe;
     switch (command.kind) {
     case Kind::openFolder:

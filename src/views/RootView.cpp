@@ -2,6 +2,7 @@
 
 #include "platform/Desktop.h"
 #include "platform/Preferences.h"
+#include "views/ClosingSheet.h"
 #include "views/CopySheet.h"
 #include "views/EmptyState.h"
 #include "views/LocalURL.h"
@@ -98,14 +99,15 @@ RootView::RootView(LibraryViewModel& library, Preferences& preferences, Desktop&
     m_dropFrame = new DropFrame{this};
     m_copySheetFrame = new Sheet{this};
     m_alertFrame = new Sheet{this};
+    m_closingFrame = new Sheet{this};
     m_frameGuard = new WindowFrameGuard{*this};
     m_copySheet = new CopySheet{library, desktop, *m_copySheetFrame, this};
-    for (auto* sheet : {m_copySheetFrame, m_alertFrame}) {
-        connect(sheet, &Sheet::didShowOrHide, m_menu,
-                [menu = m_menu, copySheet = m_copySheetFrame, alert = m_alertFrame] {
-                    menu->setEnabled(!copySheet->isVisible() && !alert->isVisible());
-                    menu->refresh();
-                });
+    m_closingSheet = new ClosingSheet{library, *m_closingFrame, *this};
+    for (auto* sheet : {m_copySheetFrame, m_alertFrame, m_closingFrame}) {
+        connect(sheet, &Sheet::didShowOrHide, m_menu, [this] {
+            m_menu->setEnabled(!hasSheet());
+            m_menu->refresh();
+        });
     }
 
     using P = LibraryProperty;
@@ -151,7 +153,19 @@ void RootView::keepSize(const QSize& size) {
 
 void RootView::closeEvent(QCloseEvent* event) {
     saveFrame();
+    // The desktop's session that ends doesn't wait for an answer.
+    if (qApp->isSavingSession()) m_closingSheet->closeSoon();
+    if (!m_closingSheet->canClose()) return event->ignore();
     QWidget::closeEvent(event);
+}
+
+void RootView::closeWithoutAsking() { m_closingSheet->closeSoon(); }
+
+void RootView::bringToFront() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
 }
 
 void RootView::changeEvent(QEvent* event) {
@@ -178,10 +192,12 @@ void RootView::dropEvent(QDropEvent* event) {
     }
 }
 
-bool RootView::hasSheet() const { return m_copySheetFrame->isVisible() || m_alertFrame->isVisible(); }
+bool RootView::hasSheet() const {
+    return m_copySheetFrame->isVisible() || m_alertFrame->isVisible() || m_closingFrame->isVisible();
+}
 
 bool RootView::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() != QEvent::KeyPress || QApplication::activePopupWidget() || hasSheet()) return false;
+    if (event->type() != QEvent::KeyPress || QApplication::activePopupWidget()) return false;
     const auto* receiver = qobject_cast<const QWidget*>(watched);
     if (!receiver || QApplication::activeModalWidget()) return false;
     const auto* window = receiver->window();
@@ -193,6 +209,7 @@ bool RootView::eventFilter(QObject* watched, QEvent* event) {
     const auto command = windowCommand(latinKey(key.key(), key.nativeScanCode()), key.modifiers(),
                                        keyFocus(receiver), m_library.viewMode());
     if (!command || (isBeside && !command->isForEveryWindow())) return false;
+    if (hasSheet() && command->kind != WindowCommand::Kind::quit) return false;
     if (!key.isAutoRepeat() || command->repeats()) perform(*command);
     return true;
 }
@@ -296,8 +313,8 @@ void RootView::showNextAlert() {
     const auto present = [this](const QString& title, const std::string& message, auto clear) {
         auto* alert = new AlertView{title, text(message)};
         m_alertFrame->present(alert);
-        m_alertFrame->setButtons(alert->button(), alert->button());
-        connect(alert->button(), &QPushButton::clicked, this, clear);
+        m_alertFrame->setButtons(alert->defaultButton(), alert->defaultButton());
+        connect(alert->defaultButton(), &QPushButton::clicked, this, clear);
     };
     if (!m_library.ratingSaveError().empty()) {
         present(tr("Rating Not Saved"), m_library.ratingSaveError(),

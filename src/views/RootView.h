@@ -8,6 +8,7 @@ class QSplitter;
 
 namespace kelvara {
 
+class ClosingSheet;
 class CopySheet;
 class MainMenu;
 class Sheet;
@@ -30,6 +31,9 @@ public:
     void showPhotoMenu(const QPoint& screenPoint);
     /// Keeps the size it is given, even where that is larger than the screen: for pictures of the window.
     void keepSize(const QSize& size);
+    void bringToFront();
+    /// Stops a copy that runs, and closes once the files in progress have finished.
+    void closeWithoutAsking();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -62,7 +66,9 @@ private:
     QWidget* m_dropFrame;
     Sheet* m_copySheetFrame;
     Sheet* m_alertFrame;
+    Sheet* m_closingFrame;
     CopySheet* m_copySheet;
+    ClosingSheet* m_closingSheet;
     WindowFrameGuard* m_frameGuard;
     std::vector<Subscription> m_subscriptions;
 };

@@ -238,6 +238,45 @@ TEST_F(RootViewTest, aFinishedCopyReportsAndReturnEndsIt) {
     EXPECT_TRUE(std::holds_alternative<CopyIdle>(m_library->copyState()));
 }
 
+TEST_F(RootViewTest, closingDuringACopyAsksAndWaitsForItsEnd) {
+    auto& window = open({"a.jpg", "b.jpg"});
+    const TemporaryFolder destination;
+    press(Qt::Key_S);
+    m_library->startCopy();
+    m_chooser.answer(FolderChooser::Choice{destination.url(), false});
+    EXPECT_FALSE(window.close());
+    press(Qt::Key_Escape); // keeps copying
+    EXPECT_FALSE(m_library->isStoppingCopy());
+    EXPECT_EQ(visibleButton("Keep Copying"), nullptr);
+    press(Qt::Key_Q, Qt::ControlModifier);
+    ASSERT_NE(visibleButton("Stop and Quit"), nullptr);
+    visibleButton("Stop and Quit")->click();
+    EXPECT_TRUE(m_library->isStoppingCopy());
+    EXPECT_FALSE(visibleButton("Cancel")->isEnabled());
+    EXPECT_FALSE(window.close()); // the files in progress
+    settle();
+    QApplication::processEvents();
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(RootViewTest, aCopyThatEndsByItselfTakesTheQuestionBack) {
+    auto& window = open({"a.jpg"});
+    const TemporaryFolder destination;
+    press(Qt::Key_S);
+    m_library->startCopy();
+    m_chooser.answer(FolderChooser::Choice{destination.url(), false});
+    EXPECT_FALSE(window.close());
+    settle();
+    QApplication::processEvents();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(visibleButton("Stop and Quit"), nullptr);
+    press(Qt::Key_Return);
+    EXPECT_TRUE(std::holds_alternative<CopyIdle>(m_library->copyState()));
+    window.closeWithoutAsking();
+    QApplication::processEvents();
+    EXPECT_FALSE(window.isVisible());
+}
+
 TEST_F(RootViewTest, anErrorIsShownUntilItIsAcknowledged) {
     open({"a.jpg"});
     m_volumes.mount(volume(FileURL{"/media/card"}, true));
