@@ -173,7 +173,6 @@ CopyReportView::CopyReportView(const CopyService::Report& report, const LibraryV
     column->addSpacing(spacing::huge);
 
     m_show = makeButton(tr("Show in Finder"), this);
-    m_done = makeButton(tr("Done"), this);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(spacing::small);
     buttons->addWidget(m_show);
@@ -183,6 +182,7 @@ CopyReportView::CopyReportView(const CopyService::Report& report, const LibraryV
         m_clear->setToolTip(tr("Unmark the copied photos"));
         buttons->addWidget(m_clear);
     }
+    m_done = makeButton(tr("Done"), this); // last, as Tab goes
     buttons->addWidget(m_done);
     column->addLayout(buttons);
 }

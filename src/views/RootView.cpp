@@ -153,8 +153,6 @@ void RootView::keepSize(const QSize& size) {
 
 void RootView::closeEvent(QCloseEvent* event) {
     saveFrame();
-    // The desktop's session that ends doesn't wait for an answer.
-    if (qApp->isSavingSession()) m_closingSheet->closeSoon();
     if (!m_closingSheet->canClose()) return event->ignore();
     QWidget::closeEvent(event);
 }
