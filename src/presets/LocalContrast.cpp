@@ -158,7 +158,7 @@ namespace {
 using Picture = std::unique_ptr<ReducedPicture>;
 
 /// Pixels of a reduced copy that are worth a thread of their own.
-constexpr std::int64_t fewestPixels = 1 << 14;
+constexpr std::int64_t fewestPixels = 1 << 15;
 
 void addRow(const Bitmap& from, std::size_t y, float times, std::vector<float>& sums) {
     const auto row = static_cast<int>(y);
