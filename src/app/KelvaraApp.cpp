@@ -81,7 +81,8 @@ PhotoCanvases KelvaraApp::makeCanvases() {
             .loupe = m_loupe,
             .isLoupeLoading = [loupe = m_loupe] { return loupe->isLoading(); },
             .inspector = {.info = info},
-            .isInspectorLoading = [info] { return info->isLoading(); }};
+            .isInspectorLoading = [info] { return info->isLoading(); },
+            .thumbnails = &m_images.thumbnails()};
 }
 
 void KelvaraApp::reloadPictures() {

@@ -69,6 +69,16 @@ std::vector<Screenshots::State> Screenshots::allStates() {
         {QStringLiteral("grid"), nothing, nothing},
         {QStringLiteral("marked"), [](auto& library, auto&) { toggleMarks(library); },
          [](auto& library, auto&) { library.clearMarks(); }},
+        {QStringLiteral("delete"),
+         [](auto& library, auto& root) {
+             toggleMarks(library);
+             library.setFocusedID(FileURL{*library.checkedIDs().begin()});
+             root.perform({Kind::deletePhotos});
+         },
+         [](auto& library, auto&) {
+             library.cancelDeletion();
+             library.clearMarks();
+         }},
         {QStringLiteral("grid-only"), [](auto& library, auto&) { library.setShowsInspector(false); },
          [](auto& library, auto&) { library.setShowsInspector(true); }},
         {QStringLiteral("no-matches"), [](auto& library, auto&) { library.setSearchText("sunset"); },

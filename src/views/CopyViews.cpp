@@ -1,6 +1,7 @@
 #include "views/CopySheet.h"
 
 #include "views/CopyTexts.h"
+#include "views/SheetParts.h"
 #include "views/Symbols.h"
 #include "views/Text.h"
 
@@ -14,49 +15,12 @@
 
 namespace kelvara {
 
+using namespace SheetParts;
+
 namespace {
 
-constexpr int sheetWidth = 420;
 constexpr int listHeight = 168;
 constexpr int barSteps = 10'000;
-
-QVBoxLayout* makeColumn(QWidget* owner) {
-    owner->setMinimumWidth(sheetWidth);
-    auto* column = new QVBoxLayout{owner};
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    return column;
-}
-
-QPushButton* makeButton(const QString& title, QWidget* parent) {
-    auto* button = new QPushButton{title, parent};
-    button->setMinimumWidth(84);
-    button->setFocusPolicy(Qt::TabFocus);
-    return button;
-}
-
-QLabel* makeSymbolLabel(QStringView name, int side, const QColor& color, QWidget* parent) {
-    auto* label = new QLabel{parent};
-    label->setPixmap(symbol(name, side, color, parent->devicePixelRatioF()));
-    return label;
-}
-
-/// A heading with a large symbol before it.
-QHBoxLayout* makeHeading(QStringView symbolName, const QColor& color, const QString& title, QWidget* parent) {
-    auto* row = new QHBoxLayout;
-    row->setSpacing(spacing::medium);
-    row->addWidget(makeSymbolLabel(symbolName, 28, color, parent));
-    row->addWidget(makeLabel(TextRole::title, Tone::normal, parent, title), 1);
-    parent->setAccessibleName(title);
-    return row;
-}
-
-QLabel* makeParagraph(const QString& text, QWidget* parent) {
-    auto* label = makeLabel(TextRole::body, Tone::quiet, parent, text);
-    label->setWordWrap(true);
-    label->setMinimumWidth(sheetWidth);
-    return label;
-}
 
 /// Every file that failed with its reason; scrolls when there are many.
 QWidget* makeFailureList(const CopyService::Report& report, QWidget* parent) {
