@@ -72,7 +72,8 @@ std::vector<Screenshots::State> Screenshots::allStates() {
         {QStringLiteral("delete"),
          [](auto& library, auto& root) {
              toggleMarks(library);
-             library.setFocusedID(FileURL{*library.checkedIDs().begin()});
+             const auto& marked = library.checkedIDs();
+             if (!marked.empty()) library.setFocusedID(FileURL{*marked.begin()});
              root.perform({Kind::deletePhotos});
          },
          [](auto& library, auto&) {
