@@ -99,7 +99,7 @@ void DeleteCommand::print(const Outcome& outcome) const {
         printError(fmt::format("{}: {}", printable(failure.file.path()), printable(failure.reason)));
     }
     const auto* what = m_isPermanent ? "erased" : "moved to the Trash";
-    printText(fmt::format("{}{} {}{}, {} sidecars with them, {} failed\n",
+    printText(fmt::format("{}{} {}{}, sidecars with them: {}, failed: {}\n",
                           outcome.wasCancelled ? "Cancelled: " : "", outcome.deleted.size(),
                           m_isDryRun ? "to be " : "", what, outcome.sidecars.size(),
                           outcome.failures.size()));

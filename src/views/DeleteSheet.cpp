@@ -39,6 +39,7 @@ DeleteSheet::DeleteSheet(LibraryViewModel& library, ThumbnailService* thumbnails
     }
     column->addSpacing(spacing::medium);
     m_note = SheetParts::makeParagraph({}, this);
+    dress(*m_note, TextRole::body, Tone::normal); // a warning
     column->addWidget(m_note);
 
     m_cancel = SheetParts::makeButton(tr("Cancel"), this);

@@ -18,7 +18,7 @@ TEST_F(DeleteCommandTest, theTrashTakesTheFilesAndSidecarsThatNothingNeeds) {
     for (const auto* name : {"a.NEF", "a.JPG", "a.xmp", "b.NEF", "b.xmp", "caf\xE9.jpg"}) card.write(name);
     auto result = run({"delete", path("a.NEF"), path("b.NEF"), path("b.NEF"), path("caf\xE9.jpg")});
     EXPECT_EQ(result.exitCode, 0);
-    EXPECT_EQ(result.output, "3 moved to the Trash, 1 sidecars with them, 0 failed\n");
+    EXPECT_EQ(result.output, "3 moved to the Trash, sidecars with them: 1, failed: 0\n");
     EXPECT_EQ(card.files(), (Strings{"a.JPG", "a.xmp"}));
     EXPECT_EQ(target.files("Trash/files"), (Strings{"a.NEF", "b.NEF", "b.xmp", "caf\xE9.jpg"}));
 }
@@ -28,7 +28,7 @@ TEST_F(DeleteCommandTest, pairsGoAlongForGoodAndADryRunTellsSoBefore) {
     Strings arguments{"delete", path("a.JPG"), "--permanently", "--with-pairs", "--dry-run"};
     EXPECT_EQ(run(arguments).output, "erase  " + path("a.JPG") + "\nerase  " + path("a.NEF") + "\nerase  " +
                                          path("a.xmp") +
-                                         "\n2 to be erased, 1 sidecars with them, 0 failed\n");
+                                         "\n2 to be erased, sidecars with them: 1, failed: 0\n");
     EXPECT_EQ(card.files().size(), 4U);
     arguments.back() = "--json";
     const auto json = run(arguments).json();
@@ -49,7 +49,7 @@ TEST_F(DeleteCommandTest, whatIsNoPhotoIsNamedAndTheOthersGo) {
     const auto result = run(
         {"delete", path("none.jpg"), path("notes.txt"), path("folder.jpg"), path("link.jpg"), path("a.jpg")});
     EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.output, "1 moved to the Trash, 0 sidecars with them, 4 failed\n");
+    EXPECT_EQ(result.output, "1 moved to the Trash, sidecars with them: 0, failed: 4\n");
     EXPECT_THAT(result.errors, testing::StartsWith("kelvara-cli: " + path("none.jpg") +
                                                    ": No such file or directory\nkelvara-cli: " +
                                                    path("notes.txt") + ": It isn't a photo or video.\n"));
