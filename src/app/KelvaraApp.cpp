@@ -44,6 +44,7 @@ KelvaraApp::KelvaraApp(const Options& options)
       m_sidecarWrites{1, ThreadPool::AtEnd::finish}, m_sideWindows{m_settings, QUrl{QStringLiteral(
                                                                                    KELVARA_SUPPORT_URL)}} {
     const LibraryServices services{.files = m_files,
+                                   .trash = m_trash,
                                    .background = m_background,
                                    .sidecarWrites = m_sidecarWrites,
                                    .main = m_main,
@@ -87,7 +88,8 @@ PhotoCanvases KelvaraApp::makeCanvases() {
             .loupe = m_loupe,
             .isLoupeLoading = [loupe = m_loupe] { return loupe->isLoading(); },
             .inspector = {.info = info},
-            .isInspectorLoading = [info] { return info->isLoading(); }};
+            .isInspectorLoading = [info] { return info->isLoading(); },
+            .thumbnails = &m_images.thumbnails()};
 }
 
 void KelvaraApp::reloadPictures() {

@@ -12,6 +12,7 @@
 #include "platform/linux/LauncherProgress.h"
 #include "platform/linux/LinuxDesktop.h"
 #include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/LinuxTrash.h"
 #include "platform/linux/LogindInhibitor.h"
 #include "platform/linux/MemoryPressure.h"
 #include "platform/linux/QtMainExecutor.h"
@@ -63,6 +64,7 @@ private:
     AllowedAnalytics m_analytics;
     QtMainExecutor m_main;
     LinuxFileSystem m_files;
+    LinuxTrash m_trash;
     UDisksVolumes m_volumes;
     LinuxDesktop m_desktop;
     LauncherProgress m_launcherProgress;

@@ -1,5 +1,7 @@
 #include "model/FileURL.h"
 
+#include "text/PercentEncoding.h"
+
 #include <charconv>
 #include <utility>
 #include <vector>
@@ -57,20 +59,7 @@ FileURL FileURL::appendingExtension(std::string_view extension) const {
     return FileURL{m_path + '.' + std::string{extension}};
 }
 
-std::string FileURL::uri() const {
-    constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string uri{uriScheme};
-    for (const char c : m_path) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (plain.find(c) != std::string_view::npos) {
-            uri += c;
-        } else {
-            uri.append({'%', digits[byte >> 4], digits[byte & 15]});
-        }
-    }
-    return uri;
-}
+std::string FileURL::uri() const { return std::string{uriScheme} + percentEncoded(m_path); }
 
 std::optional<FileURL> FileURL::fromURI(std::string_view uri) {
     if (!uri.starts_with(uriScheme)) return std::nullopt;
