@@ -82,6 +82,14 @@ public:
     Copying(const Scratch& scratch, std::vector<PhotoItem> items)
         : m_scratch{scratch}, m_items{std::move(items)} {}
 
+    /// Takes the photos out of the page cache, where those of a card are not.
+    void forget() const {
+        for (const auto& item : m_items) {
+            const int file = ::open(item.url.path().c_str(), O_RDONLY | O_CLOEXEC);
+            ::posix_fadvise(file, 0, 0, POSIX_FADV_DONTNEED);
+            ::close(file);
+        }
+    }
     double ours(bool verifies) {
         m_scratch.clear("ours");
         const FileURL target{m_scratch.at("ours")};
@@ -140,18 +148,31 @@ void compareWithSharedBlocks(const fs::path& folder, std::size_t count, int roun
         [&] { return copying.theirs("-r --reflink=always"); }, 1.02);
 }
 
-/// Mounts a file system that shares blocks for the time of a call, where that can be done.
-template <typename Work> bool onLoopDevice(const Scratch& scratch, Work&& work) {
-    const auto image = scratch.at("image");
-    const auto folder = scratch.at("mounted");
-    fs::create_directories(folder);
-    const auto mount = "truncate -s 6G " + image + " && mkfs.btrfs -q " + image + " && mount -o loop " +
-                       image + " " + folder + " 2>/dev/null";
-    if (::geteuid() != 0 || std::system(mount.c_str()) != 0) return false;
-    work(fs::path{folder});
-    run("umount " + folder);
-    return true;
-}
+/// A file system that shares blocks, on a loop device; mounted where that can be done.
+class LoopMount {
+public:
+    explicit LoopMount(const Scratch& scratch) : m_folder{scratch.at("mounted")} {
+        if (::geteuid() != 0) return;
+        fs::create_directories(m_folder);
+        const auto image = scratch.at("image");
+        m_isMounted = std::system(("(truncate -s 6G " + image + " && mkfs.btrfs -q " + image +
+                                   " && mount -o loop " + image + " " + m_folder + ") >/dev/null 2>&1")
+                                      .c_str()) == 0;
+    }
+    ~LoopMount() {
+        if (m_isMounted) run("umount " + m_folder);
+    }
+    LoopMount(const LoopMount&) = delete;
+    LoopMount& operator=(const LoopMount&) = delete;
+
+    [[nodiscard]] std::optional<fs::path> folder() const {
+        return m_isMounted ? std::optional<fs::path>{m_folder} : std::nullopt;
+    }
+
+private:
+    std::string m_folder;
+    bool m_isMounted = false;
+};
 
 Arguments parse(int count, char** values) {
     Arguments arguments;
@@ -196,12 +217,10 @@ int main(int argumentCount, char** argumentValues) {
                       [&] { copying.planningAgain(); });
         for (const auto* name : {"card", "ours"}) scratch.clear(name);
     }
-    const auto compareShared = [&](const fs::path& place) {
-        compareWithSharedBlocks(place, scaled(100), rounds);
-    };
-    if (shared) {
-        compareShared(*shared);
-    } else if (!onLoopDevice(scratch, compareShared)) {
+    const LoopMount loop{scratch};
+    if (const auto place = shared ? shared : loop.folder()) {
+        compareWithSharedBlocks(*place, scaled(100), rounds);
+    } else {
         std::printf("sharing blocks: skipped, no file system here that does\n");
     }
 }

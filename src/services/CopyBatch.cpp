@@ -11,7 +11,7 @@ namespace kelvara {
 namespace {
 
 // Beyond these, waiting together saves nothing more; below, the user sees the progress move.
-constexpr std::size_t maximumFiles = 32;
+constexpr std::size_t maximumFiles = 128;
 constexpr std::int64_t maximumBytes = 8'000'000;
 constexpr std::chrono::milliseconds maximumAge{200};
 
