@@ -1,12 +1,9 @@
 #include "presets/DrawingTest.h"
 
 #include "imaging/ColorTransform.h"
-#include "presets/CubeSampling.h"
-#include "presets/LocalContrast.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <hwy/highway.h>
-#include <lcms2.h>
 
 #include <algorithm>
 #include <cstring>
@@ -161,49 +158,39 @@ std::vector<double> blurred(const std::vector<double>& from, PixelSize size, dou
 TEST(PresetDrawingTest, localContrastFollowsAGaussian) {
     struct Case {
         PixelSize size;
-        double texture, clarity;
+        double texture, clarity, strength;
     };
     // Reduced by nothing, by two, by several and, with texture before clarity, in two steps.
-    for (const auto& [size, texture, clarity] : std::initializer_list<Case>{{{1, 1}, 0, 100},
-                                                                            {{1, 180}, 100, 100},
-                                                                            {{130, 99}, 0, 100},
-                                                                            {{333, 250}, 100, -70},
-                                                                            {{701, 60}, 0, 100},
-                                                                            {{2101, 41}, 100, 0},
-                                                                            {{2101, 41}, 100, 100},
-                                                                            {{40, 2500}, -100, 80}}) {
+    for (const auto& [size, texture, clarity, strength] : {Case{{1, 1}, 100, 100, 1},
+                                                           {{1, 180}, 100, 100, 1},
+                                                           {{130, 99}, 0, 100, 1},
+                                                           {{333, 90}, 100, -70, 0.5},
+                                                           {{701, 60}, 0, 100, 1},
+                                                           {{2101, 21}, 100, 0, 1},
+                                                           {{2101, 21}, 100, 100, 0.5},
+                                                           {{20, 2500}, -100, 80, 1}}) {
         const auto source = mixedPicture(size, PixelFormat::bgrx16);
-        for (const double strength : {1.0, 0.5}) {
-            const auto result =
-                draw(preset({{"Texture", texture}, {"Clarity2012", clarity}}, strength), source, Depth::full);
-            if (strength == 1 && size.longestSide() < 25) { // no radius reaches half a pixel
-                EXPECT_EQ(color(*result, 0, 0), color(*source, 0, 0));
-                continue;
+        const auto result =
+            draw(preset({{"Texture", texture}, {"Clarity2012", clarity}}, strength), source, Depth::full);
+        double worst = 0;
+        for (int c = 0; c < 3; ++c) {
+            std::vector<double> values;
+            for (int y = 0; y < size.height; ++y) {
+                for (int x = 0; x < size.width; ++x) values.push_back(value(*source, x, y, c));
             }
-            double worst = 0;
-            for (int c = 0; c < 3; ++c) {
-                std::vector<double> values;
-                for (int y = 0; y < size.height; ++y) {
-                    for (int x = 0; x < size.width; ++x) values.push_back(value(*source, x, y, c));
-                }
-                for (const auto& [amount, share] : {std::pair{texture / 100 * strength * 0.6, 0.004},
-                                                    {clarity / 100 * strength * 0.8, 0.02}}) {
-                    const double radius = size.longestSide() * share;
-                    if (amount == 0 || radius < 0.5) continue;
-                    const auto soft = blurred(values, size, radius);
-                    for (std::size_t i = 0; i < values.size(); ++i)
-                        values[i] += amount * (values[i] - soft[i]);
-                }
-                for (int y = 0; y < size.height; ++y) {
-                    for (int x = 0; x < size.width; ++x)
-                        worst = std::max(
-                            worst, std::abs(value(*result, x, y, c) -
-                                            clamped(values[static_cast<std::size_t>(y * size.width + x)])));
-                }
+            for (const auto& [amount, share] :
+                 {std::pair{texture / 100 * strength * 0.6, 0.004}, {clarity / 100 * strength * 0.8, 0.02}}) {
+                const double radius = size.longestSide() * share;
+                if (amount == 0 || radius < 0.5) continue;
+                const auto soft = blurred(values, size, radius);
+                for (std::size_t i = 0; i < values.size(); ++i) values[i] += amount * (values[i] - soft[i]);
             }
-            EXPECT_LE(worst, 1.0 / 255)
-                << size.width << "x" << size.height << " " << texture << " " << clarity;
+            for (std::size_t i = 0; i < values.size(); ++i) {
+                const int x = static_cast<int>(i) % size.width, y = static_cast<int>(i) / size.width;
+                worst = std::max(worst, std::abs(value(*result, x, y, c) - clamped(values[i])));
+            }
         }
+        EXPECT_LE(worst, 1.0 / 255) << size.width << "x" << size.height << " " << texture << " " << clarity;
     }
 }
 
@@ -245,7 +232,7 @@ TEST(PresetDrawingTest, grainIsGreyNoiseAroundZeroOfTheStatedSize) {
     const double inOneDirection = 2.0 / 3; // of a random number, after interpolation at every place between
     for (const auto& [size, amount, grainSize, variance] :
          {Case{{1000, 400}, 60, 25, 1},
-          {{1600, 500}, 100, 0, 1},
+          {{1600, 250}, 100, 0, 1},
           {{8000, 90}, 50, 100, inOneDirection * inOneDirection}}) {
         const auto grey =
             picture(size, PixelFormat::bgrx16, ColorProfile::sRGB(), [](int, int, int) { return 0.5; });
