@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <hwy/highway.h>
+#include <lcms2.h>
 
 #include <algorithm>
 #include <cstring>
@@ -129,6 +130,63 @@ TEST(PresetDrawingTest, colorsOfOtherSpacesAreDrawnInSRGBAndStayInTheirSpace) {
         }
         EXPECT_LE(worst, 2.0 / 255);
     }
+}
+
+/// Display P3 as a profile of tables, not of curves and a matrix.
+ColorProfilePtr tableProfile() {
+    const auto& p3 = ColorProfile::displayP3()->icc();
+    auto* given = cmsOpenProfileFromMem(p3.data(), static_cast<cmsUInt32Number>(p3.size()));
+    auto* lab = cmsCreateLab2Profile(nullptr);
+    auto* profile = cmsCreateProfilePlaceholder(nullptr);
+    cmsSetProfileVersion(profile, 2.1);
+    cmsSetDeviceClass(profile, cmsSigDisplayClass);
+    cmsSetColorSpace(profile, cmsSigRgbData);
+    cmsSetPCS(profile, cmsSigLabData);
+    cmsWriteTag(profile, cmsSigMediaWhitePointTag, cmsD50_XYZ());
+    const auto writeTable = [&](cmsTagSignature tag, cmsHPROFILE from, cmsUInt32Number input, cmsHPROFILE to,
+                                cmsUInt32Number output) {
+        constexpr cmsUInt32Number points = 33;
+        auto* transform = cmsCreateTransform(from, input, to, output, INTENT_RELATIVE_COLORIMETRIC,
+                                             cmsFLAGS_NOOPTIMIZE | cmsFLAGS_NOCACHE);
+        auto* pipeline = cmsPipelineAlloc(nullptr, 3, 3);
+        auto* table = cmsStageAllocCLut16bit(nullptr, points, 3, 3, nullptr);
+        cmsStageSampleCLut16bit(
+            table,
+            [](const cmsUInt16Number* in, cmsUInt16Number* out, void* with) {
+                cmsDoTransform(with, in, out, 1);
+                return 1;
+            },
+            transform, 0);
+        cmsPipelineInsertStage(pipeline, cmsAT_END, table);
+        cmsWriteTag(profile, tag, pipeline);
+        cmsPipelineFree(pipeline);
+        cmsDeleteTransform(transform);
+    };
+    writeTable(cmsSigAToB0Tag, given, TYPE_RGB_16, lab, TYPE_LabV2_16);
+    writeTable(cmsSigBToA0Tag, lab, TYPE_LabV2_16, given, TYPE_RGB_16);
+    cmsUInt32Number size = 0;
+    cmsSaveProfileToMem(profile, nullptr, &size);
+    std::vector<std::uint8_t> icc(size);
+    cmsSaveProfileToMem(profile, icc.data(), &size);
+    for (auto* handle : {profile, lab, given}) cmsCloseProfile(handle);
+    return ColorProfile::fromIcc(icc);
+}
+
+TEST(PresetDrawingTest, spacesOfTablesAreDrawnNearly) {
+    const auto profile = tableProfile();
+    ASSERT_NE(profile, nullptr);
+    constexpr PixelSize size{256, 40};
+    const auto tried = preset({{"Exposure2012", 0.5}, {"Vibrance", 40.0}});
+    const auto muted = [](int x, int y, int c) { return 0.2 + 0.002 * x + 0.003 * ((y * (c + 1)) % 40); };
+    const auto exactly = draw(tried, picture(size, PixelFormat::bgrx8, ColorProfile::displayP3(), muted));
+    const auto nearly = draw(tried, picture(size, PixelFormat::bgrx8, profile, muted));
+    EXPECT_EQ(*nearly->profile(), *profile);
+    double worst = 0;
+    for (int y = 0; y < size.height; ++y) {
+        for (int x = 0; x < size.width; ++x)
+            worst = std::max(worst, difference(*nearly, x, y, color(*exactly, x, y)));
+    }
+    EXPECT_LE(worst, 4.0 / 255);
 }
 
 /// Separable, over the whole picture, which goes on as it ends.
