@@ -34,12 +34,17 @@ KelvaraApp::KelvaraApp(const Options& options)
                          {QCoreApplication::applicationVersion(), QSysInfo::prettyProductName()}},
       m_analytics{m_settings, m_analyticsService}, m_volumes{QDBusConnection::systemBus()},
       m_desktop{QDBusConnection::sessionBus(), [] { QApplication::beep(); }},
+      m_launcherProgress{QDBusConnection::sessionBus(), QGuiApplication::desktopFileName()},
+      m_sleepInhibitor{QDBusConnection::systemBus()}, m_notifier{QDBusConnection::sessionBus(),
+                                                                 QGuiApplication::desktopFileName(),
+                                                                 [this] { m_window->bringToFront(); }},
       m_locale{QLocale{}.bcp47Name().toStdString()}, m_volumeService{m_volumes, m_locale},
       m_sidecars{m_files}, m_copier{m_files, sidecarWriter(m_sidecars)}, m_images{m_main},
       m_memoryPressure{[this] { m_images.shrinkCaches(); }}, m_background{backgroundThreads},
       m_sidecarWrites{1, ThreadPool::AtEnd::finish}, m_sideWindows{m_settings, QUrl{QStringLiteral(
                                                                                    KELVARA_SUPPORT_URL)}} {
     const LibraryServices services{.files = m_files,
+                                   .trash = m_trash,
                                    .background = m_background,
                                    .sidecarWrites = m_sidecarWrites,
                                    .main = m_main,
@@ -59,6 +64,9 @@ KelvaraApp::KelvaraApp(const Options& options)
     m_folderChooser.setWindow(m_window.get());
     QObject::connect(m_grid, &PhotoGridView::photoMenuRequested, m_window.get(), &RootView::showPhotoMenu);
     QObject::connect(m_loupe, &LoupeView::photoMenuRequested, m_window.get(), &RootView::showPhotoMenu);
+    m_copyActivity =
+        std::make_unique<CopyActivity>(*m_library, m_launcherProgress, m_sleepInhibitor, m_notifier,
+                                       [] { return QApplication::activeWindow() != nullptr; });
     m_screenColors = std::make_unique<ScreenColorSpaceObserver>(
         *m_window, QDBusConnection::systemBus(), m_files, m_background, m_main, [this] { reloadPictures(); });
     if (!options.folder.isEmpty())
@@ -80,7 +88,8 @@ PhotoCanvases KelvaraApp::makeCanvases() {
             .loupe = m_loupe,
             .isLoupeLoading = [loupe = m_loupe] { return loupe->isLoading(); },
             .inspector = {.info = info},
-            .isInspectorLoading = [info] { return info->isLoading(); }};
+            .isInspectorLoading = [info] { return info->isLoading(); },
+            .thumbnails = &m_images.thumbnails()};
 }
 
 void KelvaraApp::reloadPictures() {

@@ -1,14 +1,19 @@
 #pragma once
 
+#include "app/CopyActivity.h"
 #include "app/ImageServices.h"
 #include "app/ScreenColorSpaceObserver.h"
 #include "async/ThreadPool.h"
 #include "library/AllowedAnalytics.h"
 #include "library/LibraryViewModel.h"
 #include "library/Settings.h"
+#include "platform/linux/DesktopNotifier.h"
 #include "platform/linux/HTTPAnalytics.h"
+#include "platform/linux/LauncherProgress.h"
 #include "platform/linux/LinuxDesktop.h"
 #include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/LinuxTrash.h"
+#include "platform/linux/LogindInhibitor.h"
 #include "platform/linux/MemoryPressure.h"
 #include "platform/linux/QtMainExecutor.h"
 #include "platform/linux/SettingsPreferences.h"
@@ -59,8 +64,12 @@ private:
     AllowedAnalytics m_analytics;
     QtMainExecutor m_main;
     LinuxFileSystem m_files;
+    LinuxTrash m_trash;
     UDisksVolumes m_volumes;
     LinuxDesktop m_desktop;
+    LauncherProgress m_launcherProgress;
+    LogindInhibitor m_sleepInhibitor;
+    DesktopNotifier m_notifier;
     FolderChooserDialog m_folderChooser;
     std::string m_locale;
     VolumeService m_volumeService;
@@ -75,6 +84,7 @@ private:
     std::unique_ptr<RootView> m_window;
     PhotoGridView* m_grid = nullptr; // the window's
     LoupeView* m_loupe = nullptr;    // the window's
+    std::unique_ptr<CopyActivity> m_copyActivity;
     std::unique_ptr<ScreenColorSpaceObserver> m_screenColors;
     Subscription m_gridInfo;
     /// Expires with the application; answers that arrive later see it and do nothing.

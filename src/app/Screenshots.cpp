@@ -69,6 +69,26 @@ std::vector<Screenshots::State> Screenshots::allStates() {
         {QStringLiteral("grid"), nothing, nothing},
         {QStringLiteral("marked"), [](auto& library, auto&) { toggleMarks(library); },
          [](auto& library, auto&) { library.clearMarks(); }},
+        {QStringLiteral("copied"),
+         [](auto& library, auto&) {
+             toggleMarks(library);
+             library.startCopy();
+         },
+         [](auto& library, auto&) {
+             library.dismissCopy();
+             library.clearMarks();
+         }},
+        {QStringLiteral("delete"),
+         [](auto& library, auto& root) {
+             toggleMarks(library);
+             const auto& marked = library.checkedIDs();
+             if (!marked.empty()) library.setFocusedID(FileURL{*marked.begin()});
+             root.perform({Kind::deletePhotos});
+         },
+         [](auto& library, auto&) {
+             library.cancelDeletion();
+             library.clearMarks();
+         }},
         {QStringLiteral("grid-only"), [](auto& library, auto&) { library.setShowsInspector(false); },
          [](auto& library, auto&) { library.setShowsInspector(true); }},
         {QStringLiteral("no-matches"), [](auto& library, auto&) { library.setSearchText("sunset"); },
@@ -135,7 +155,7 @@ void Screenshots::look() {
         std::fprintf(stderr, "kelvara: nothing to show%s%s\n", reason.empty() ? "" : ": ", reason.c_str());
         return end(1);
     }
-    m_settledLooks = m_window.isSettled() ? m_settledLooks + 1 : 0;
+    m_settledLooks = m_window.isSettled() && !m_library.isCopying() ? m_settledLooks + 1 : 0;
     const auto isLate = m_sinceStep.hasExpired(patience);
     if (!isLate && m_settledLooks < settledLooksNeeded) return;
     if (!m_isEntered) return enterNext();

@@ -4,10 +4,12 @@
 #include "app/KelvaraApp.h"
 #include "app/Screenshots.h"
 #include "app/WatchedApplication.h"
+#include "platform/linux/TerminationWatch.h"
 #include "views/ApplicationStyle.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QSettings>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
@@ -140,11 +142,14 @@ int main(int argumentCount, char** argumentValues) {
     // Pictures for the documentation depend on nobody's settings, and change none.
     const auto takesScreenshots = !arguments.screenshotFolder.isEmpty();
     const QTemporaryDir scratch;
+    const auto scratchPreferences = scratch.filePath(QStringLiteral("kelvara.conf"));
+    if (takesScreenshots) { // so that nobody is asked where to copy
+        QSettings{scratchPreferences, QSettings::IniFormat}.setValue(
+            QStringLiteral("copyDestination"), scratch.filePath(QStringLiteral("Selects")));
+    }
     kelvara::applyTheme(application, arguments.appearance.value_or(Theme::Appearance::dark));
     kelvara::KelvaraApp app{{.folder = arguments.folder,
-                             .preferencesPath = takesScreenshots
-                                                    ? scratch.filePath(QStringLiteral("kelvara.conf"))
-                                                    : preferencesPath(),
+                             .preferencesPath = takesScreenshots ? scratchPreferences : preferencesPath(),
                              .countsUsage = !takesScreenshots}};
     kelvara::DesktopAppearance desktop{QDBusConnection::sessionBus()};
     QObject::connect(&desktop, &kelvara::DesktopAppearance::reducedMotionChanged, &kelvara::setReducedMotion);
@@ -155,6 +160,7 @@ int main(int argumentCount, char** argumentValues) {
     else if (arguments.size)
         app.window().resize(*arguments.size);
     app.window().show();
+    const kelvara::TerminationWatch termination{[&app] { app.window().closeWithoutAsking(); }};
     std::optional<kelvara::Screenshots> screenshots;
     if (takesScreenshots) {
         screenshots.emplace(app.library(), app.window(), arguments.screenshotFolder,

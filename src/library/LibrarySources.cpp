@@ -20,6 +20,7 @@ void LibraryViewModel::setSourceURL(const FileURL& source) {
     assign(Property::sourceURL, m_sourceURL, source);
     assign(Property::searchText, m_searchText, {});
     m_sourceRestore.cancel();
+    m_copiedItems.clear();
     if (source.isEmpty()) {
         m_services.preferences.remove(PreferenceKeys::lastSource);
     } else {
@@ -120,21 +121,9 @@ void LibraryViewModel::restoreSource() {
 void LibraryViewModel::handleVolumeChange(const VolumeChange& change) {
     const Change together{*this};
     if (change.didUnmount) {
-        const bool isCopying = std::holds_alternative<CopyService::Progress>(m_copyState);
+        interruptCopy(change.url);
+        stopDeletion(change.url);
         const bool heldSource = !m_sourceURL.isEmpty() && m_sourceURL.isContained(change.url);
-        if (isCopying && heldSource) {
-            m_copyInterruption = localized("The card was removed during the copy. Files that finished are "
-                                           "complete; reinsert the card, mark the "
-                                           "photos and copy again — files already copied are skipped.");
-        } else if (isCopying && m_copyDestination.isContained(change.url)) {
-            m_copyInterruption =
-                localized("The destination drive was disconnected during the copy. Reconnect it and "
-                          "copy again — files already copied are skipped.");
-        }
-        if (isCopying && !m_copyInterruption.empty()) {
-            didChange(Property::copyInterruption);
-            cancelCopy();
-        }
         if (heldSource) setSourceURL({});
     }
     refreshVolumes();
@@ -163,7 +152,7 @@ void LibraryViewModel::eject(const VolumeInfo& volume) {
 }
 
 bool LibraryViewModel::refusesEject() {
-    if (!std::holds_alternative<CopyService::Progress>(m_copyState)) return false;
+    if (!isCopying()) return false;
     assign(Property::ejectError, m_ejectError,
            localized("A copy is in progress. Wait for it to finish, or cancel it, before ejecting."));
     return true;

@@ -40,9 +40,10 @@ struct DevelopPreset {
         friend bool operator==(const LoadError&, const LoadError&) = default;
     };
 
-    std::string id; ///< The file's name with extension, or "builtin/" and a name.
+    std::string id; ///< The file's name with extension, or "builtin/" and a name; see PresetStore.
     std::string title;
     std::optional<std::string> summary;
+    std::optional<std::string> group; ///< The category that the file names.
     PresetSettings settings;
     PresetLook look;
     std::vector<std::string> unsupportedSettings; ///< Groups that the preview leaves out; sorted.

@@ -46,7 +46,7 @@ CommandState commandState(const WindowCommand& command, const LibraryViewModel& 
                           const QWidget& window) {
     const auto hasFocus = library.focusedItem() != nullptr;
     const auto hasMarks = !library.checkedIDs().empty();
-    const auto isCopying = std::holds_alternative<CopyService::Progress>(library.copyState());
+    const auto isCopying = library.isCopying();
     const auto isLoupe = library.viewMode() == ViewMode::loupe;
     switch (command.kind) {
     case Kind::openFolder:
@@ -61,7 +61,9 @@ CommandState commandState(const WindowCommand& command, const LibraryViewModel& 
     case Kind::rate:
         return ratingState(command.stars, library);
     case Kind::copyMarked:
-        return {tr("Copy Marked Files"), hasMarks && !isCopying};
+        return {tr("Copy Marked Files"), hasMarks && !isCopying && !library.isDeleting()};
+    case Kind::deletePhotos:
+        return {tr("Delete…"), hasFocus && !library.isDeleting()};
     case Kind::clearMarks:
         return {tr("Clear Marks"), hasMarks};
     case Kind::showInFileManager:
@@ -105,8 +107,6 @@ CommandState commandState(const WindowCommand& command, const LibraryViewModel& 
         return {tr("Copy Edits"), false};
     case Kind::pasteEdits:
         return {pasteTitle(library), false};
-    case Kind::deletePhotos:
-        return {tr("Delete…"), false};
     case Kind::share:
         return {tr("Share…"), false};
     case Kind::importPresets:

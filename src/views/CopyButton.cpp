@@ -23,6 +23,7 @@ CopyButton::CopyButton(LibraryViewModel& library, QWidget* parent) : QWidget{par
     connect(m_action, &QToolButton::clicked, this, [this] { m_library.startCopy(); });
 
     m_menu = new QMenu{this};
+    m_menu->setToolTipsVisible(true);
     connect(m_menu, &QMenu::aboutToShow, this, &CopyButton::fillMenu);
     m_menuButton = makeIconButton(u"chevron.down", tr("Copy Options"), tr("Copy Options"), this);
     m_menuButton->setObjectName("copyMenu");
@@ -63,10 +64,16 @@ void CopyButton::fillMenu() {
         ->addAction(tr("Copy %1 Marked Files").arg(countText(count)), this, [this] { m_library.startCopy(); })
         ->setEnabled(count > 0);
     m_menu->addAction(tr("Change Destination…"), this, [this] { m_library.chooseCopyDestination(); });
-    auto* dateFolders = m_menu->addAction(tr("Sort into Date Folders"), this,
-                                          [this](bool on) { m_library.setCopiesIntoDateFolders(on); });
-    dateFolders->setCheckable(true);
-    dateFolders->setChecked(m_library.copiesIntoDateFolders());
+    const auto addToggle = [this](const QString& title, bool isOn, auto set) {
+        auto* toggle = m_menu->addAction(title, this, [this, set](bool on) { (m_library.*set)(on); });
+        toggle->setCheckable(true);
+        toggle->setChecked(isOn);
+        return toggle;
+    };
+    addToggle(tr("Sort into Date Folders"), m_library.copiesIntoDateFolders(),
+              &LibraryViewModel::setCopiesIntoDateFolders);
+    addToggle(tr("Verify Copies"), m_library.verifiesCopies(), &LibraryViewModel::setVerifiesCopies)
+        ->setToolTip(tr("Reads every copy back and compares it with the original; takes longer"));
     m_menu->addSeparator();
     m_menu->addAction(tr("Clear Marks"), this, [this] { m_library.clearMarks(); })->setEnabled(count > 0);
 }

@@ -4,13 +4,32 @@
 #include "views/Sheet.h"
 #include "views/Text.h"
 
+#include <chrono>
 #include <type_traits>
 
 namespace kelvara {
 
+namespace {
+constexpr std::chrono::milliseconds pause{50};
+} // namespace
+
 CopySheet::CopySheet(LibraryViewModel& library, Desktop& desktop, Sheet& sheet, QObject* parent)
     : QObject{parent}, m_library{library}, m_desktop{desktop}, m_sheet{sheet} {
-    m_subscription = m_library.observe({LibraryProperty::copyState}, [this](const auto&) { refresh(); });
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(pause);
+    connect(&m_pause, &QTimer::timeout, this, [this] {
+        if (m_library.isCopying()) refresh();
+    });
+    m_subscription = m_library.observe({LibraryProperty::copyState}, [this](const auto&) { stateChanged(); });
+    refresh();
+}
+
+void CopySheet::stateChanged() {
+    // Thousands of small files a second would keep the window busy with drawing what nobody can read.
+    if (m_library.isCopying() && !m_library.isStoppingCopy()) {
+        if (m_pause.isActive()) return;
+        m_pause.start();
+    }
     refresh();
 }
 
@@ -31,16 +50,14 @@ void CopySheet::showProgress(const CopyService::Progress& progress) {
         m_progress = new CopyProgressView;
         m_sheet.present(m_progress);
         m_sheet.setButtons(nullptr, m_progress->cancelButton());
-        connect(m_progress->cancelButton(), &QPushButton::clicked, this, [this] {
-            m_progress->setStopping();
-            m_library.cancelCopy();
-        });
+        connect(m_progress->cancelButton(), &QPushButton::clicked, this, [this] { m_library.cancelCopy(); });
     }
+    if (m_library.isStoppingCopy()) m_progress->setStopping();
     m_progress->show(progress);
 }
 
 void CopySheet::showReport(const CopyService::Report& report) {
-    auto* view = new CopyReportView{report, text(m_library.copyInterruption())};
+    auto* view = new CopyReportView{report, m_library};
     m_sheet.present(view);
     m_sheet.setButtons(view->doneButton(), view->doneButton());
     connect(view->doneButton(), &QPushButton::clicked, this, [this] { m_library.dismissCopy(); });
@@ -48,7 +65,7 @@ void CopySheet::showReport(const CopyService::Report& report) {
             [this, folder = report.destination] { m_desktop.showInFileManager(folder); });
     if (!view->clearButton()) return;
     connect(view->clearButton(), &QPushButton::clicked, this, [this, button = view->clearButton()] {
-        m_library.clearMarks();
+        m_library.unmarkCopiedPhotos();
         button->setEnabled(false);
     });
 }

@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QPointer>
 #include <QPushButton>
+#include <QTimer>
 
 class QProgressBar;
 
@@ -39,10 +40,13 @@ class CopyReportView : public QWidget {
     Q_OBJECT
 
 public:
-    /// `interruption`: why it was stopped from outside; empty when it was not.
-    CopyReportView(const CopyService::Report& report, const QString& interruption, QWidget* parent = nullptr);
+    /// `library` tells more of the copy that `report` is of.
+    CopyReportView(const CopyService::Report& report, const LibraryViewModel& library,
+                   QWidget* parent = nullptr);
     [[nodiscard]] QPushButton* showButton() const { return m_show; }
-    [[nodiscard]] QPushButton* clearButton() const { return m_clear; } ///< Null where it would lose marks.
+    [[nodiscard]] QPushButton* clearButton() const {
+        return m_clear;
+    } ///< Null where photos are left to copy.
     [[nodiscard]] QPushButton* doneButton() const { return m_done; }
 
 private:
@@ -74,6 +78,7 @@ public:
     CopySheet(LibraryViewModel& library, Desktop& desktop, Sheet& sheet, QObject* parent = nullptr);
 
 private:
+    void stateChanged();
     void refresh();
     void showProgress(const CopyService::Progress& progress);
     void showReport(const CopyService::Report& report);
@@ -83,6 +88,7 @@ private:
     Desktop& m_desktop;
     Sheet& m_sheet;
     QPointer<CopyProgressView> m_progress;
+    QTimer m_pause; // between two looks at a copy that runs
     Subscription m_subscription;
 };
 

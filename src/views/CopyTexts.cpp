@@ -5,6 +5,8 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+
 namespace kelvara {
 
 namespace {
@@ -37,7 +39,9 @@ QString timeRemainingText(const CopyService::Progress& progress, std::chrono::na
     const auto seconds = std::chrono::duration<double>(elapsed).count();
     if (progress.completedBytes < 1 || seconds <= 2.0) return {};
     const auto rate = static_cast<double>(progress.completedBytes) / seconds;
-    const auto remaining = static_cast<double>(progress.totalBytes - progress.completedBytes) / rate;
+    // Sizes that a broken card claims would take more years than a duration holds.
+    const auto remaining =
+        std::min(static_cast<double>(progress.totalBytes - progress.completedBytes) / rate, 1e9);
     const auto duration =
         std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::duration<double>(remaining));
     return tr("%1/s · %2 left")
@@ -51,11 +55,12 @@ QString copyReportTitle(const CopyService::Report& report, bool wasInterrupted) 
     return tr("Copy Complete");
 }
 
-QList<CopyReportRow> copyReportRows(const CopyService::Report& report) {
+QList<CopyReportRow> copyReportRows(const CopyService::Report& report, bool isVerified) {
     using Kind = CopyReportRow::Kind;
     QList<CopyReportRow> rows;
+    const auto detail = isVerified && report.copied > 0 ? tr("%1 in %2 · verified") : tr("%1 in %2");
     rows.append({Kind::copied, tr("%1 copied").arg(countText(report.copied)),
-                 tr("%1 in %2").arg(text(byteCountText(report.copiedBytes)), durationText(report.duration))});
+                 detail.arg(text(byteCountText(report.copiedBytes)), durationText(report.duration))});
     if (report.skipped >= 1) {
         rows.append({Kind::skipped, tr("%1 already there").arg(countText(report.skipped)),
                      tr("skipped (same name and size)")});

@@ -26,13 +26,13 @@ struct CopyButtonTexts {
 /// The heading of a finished copy; an interruption says more than any count.
 [[nodiscard]] QString copyReportTitle(const CopyService::Report& report, bool wasInterrupted);
 
-/// One line of the report: "12 copied", "340 MB in 8 sec".
+/// One line of the report: "12 copied", "340 MB in 8 sec", "… · verified".
 struct CopyReportRow {
     enum class Kind { copied, skipped, renamed, failed };
     Kind kind = Kind::copied;
     QString count;
     QString detail;
 };
-[[nodiscard]] QList<CopyReportRow> copyReportRows(const CopyService::Report& report);
+[[nodiscard]] QList<CopyReportRow> copyReportRows(const CopyService::Report& report, bool isVerified);
 
 } // namespace kelvara

@@ -1,96 +1,39 @@
 #include "views/CopySheet.h"
 
+#include "views/CopyFailureList.h"
 #include "views/CopyTexts.h"
+#include "views/SheetParts.h"
 #include "views/Symbols.h"
 #include "views/Text.h"
 
 #include <QBoxLayout>
 #include <QGridLayout>
 #include <QProgressBar>
-#include <QScrollArea>
 
-#include <algorithm>
 #include <chrono>
 
 namespace kelvara {
 
+using namespace SheetParts;
+
 namespace {
 
-constexpr int sheetWidth = 420;
-constexpr int listHeight = 168;
 constexpr int barSteps = 10'000;
 
-QVBoxLayout* makeColumn(QWidget* owner) {
-    owner->setMinimumWidth(sheetWidth);
-    auto* column = new QVBoxLayout{owner};
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    return column;
-}
-
-QPushButton* makeButton(const QString& title, QWidget* parent) {
-    auto* button = new QPushButton{title, parent};
-    button->setMinimumWidth(84);
-    button->setFocusPolicy(Qt::TabFocus);
-    return button;
-}
-
-QLabel* makeSymbolLabel(QStringView name, int side, const QColor& color, QWidget* parent) {
-    auto* label = new QLabel{parent};
-    label->setPixmap(symbol(name, side, color, parent->devicePixelRatioF()));
-    return label;
-}
-
-/// A heading with a large symbol before it.
-QHBoxLayout* makeHeading(QStringView symbolName, const QColor& color, const QString& title, QWidget* parent) {
-    auto* row = new QHBoxLayout;
-    row->setSpacing(spacing::medium);
-    row->addWidget(makeSymbolLabel(symbolName, 28, color, parent));
-    row->addWidget(makeLabel(TextRole::title, Tone::normal, parent, title), 1);
-    parent->setAccessibleName(title);
-    return row;
-}
-
-QLabel* makeParagraph(const QString& text, QWidget* parent) {
-    auto* label = makeLabel(TextRole::body, Tone::quiet, parent, text);
-    label->setWordWrap(true);
-    label->setMinimumWidth(sheetWidth);
-    return label;
-}
-
-/// Every file that failed with its reason; scrolls when there are many.
-QWidget* makeFailureList(const CopyService::Report& report, QWidget* parent) {
-    auto* list = new Panel{&Theme::field};
-    auto* column = new QVBoxLayout{list};
-    column->setContentsMargins(spacing::medium, spacing::small, spacing::medium, spacing::small);
-    column->setSpacing(spacing::small);
-    for (const auto& failure : report.failures) {
-        auto* name = new ElidedLabel{list};
-        name->setText(text(failure.fileName));
-        dress(*name, TextRole::emphasis, Tone::normal);
-        auto* reason = makeLabel(TextRole::caption, Tone::quiet, list, text(failure.reason));
-        reason->setWordWrap(true);
-        auto* pair = new QVBoxLayout;
-        pair->setSpacing(1);
-        pair->addWidget(name);
-        pair->addWidget(reason);
-        column->addLayout(pair);
-    }
-    column->addStretch(1);
-    auto* area = new QScrollArea{parent};
-    area->setWidgetResizable(true);
-    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    area->setWidget(list);
-    area->setFixedHeight(std::min(listHeight, static_cast<int>(report.failures.size()) * 48 + 12));
-    area->setAccessibleName(CopyReportView::tr("Files that failed"));
-    return area;
-}
-
-struct RowLook {
+struct SymbolLook {
     QStringView symbolName;
     QColor Theme::*color;
 };
-RowLook look(CopyReportRow::Kind kind) {
+
+SymbolLook headingLook(const CopyService::Report& report, bool wasInterrupted) {
+    if (wasInterrupted || !report.failures.empty())
+        return {u"exclamationmark.triangle.fill", &Theme::warning};
+    // Nothing is wrong with what somebody wanted.
+    if (report.wasCancelled) return {u"xmark.circle.fill", &Theme::secondaryText};
+    return {u"checkmark.circle.fill", &Theme::mark};
+}
+
+SymbolLook look(CopyReportRow::Kind kind) {
     switch (kind) {
     case CopyReportRow::Kind::copied:
         return {u"photo", &Theme::secondaryText};
@@ -104,13 +47,13 @@ RowLook look(CopyReportRow::Kind kind) {
     return {u"exclamationmark.triangle.fill", &Theme::danger};
 }
 
-QGridLayout* makeRows(const CopyService::Report& report, QWidget* parent) {
+QGridLayout* makeRows(const QList<CopyReportRow>& rows, QWidget* parent) {
     auto* grid = new QGridLayout;
     grid->setHorizontalSpacing(spacing::small);
     grid->setVerticalSpacing(spacing::small);
     grid->setColumnStretch(2, 1);
     int line = 0;
-    for (const auto& row : copyReportRows(report)) {
+    for (const auto& row : rows) {
         const auto [symbolName, color] = look(row.kind);
         grid->addWidget(makeSymbolLabel(symbolName, 18, Theme::current().*color, parent), line, 0);
         grid->addWidget(makeLabel(TextRole::emphasis, Tone::normal, parent, row.count), line, 1);
@@ -156,10 +99,7 @@ CopyProgressView::CopyProgressView(QWidget* parent) : QWidget{parent} {
 void CopyProgressView::show(const CopyService::Progress& progress) {
     m_title->setText(
         tr("Copying %1 of %2").arg(countText(progress.completedFiles), countText(progress.totalFiles)));
-    const auto share = progress.totalBytes > 0 ? static_cast<double>(progress.completedBytes) /
-                                                     static_cast<double>(progress.totalBytes)
-                                               : 0.0;
-    m_bar->setValue(static_cast<int>(std::clamp(share, 0.0, 1.0) * barSteps));
+    m_bar->setValue(static_cast<int>(completedShare(progress) * barSteps));
     m_file->setText(text(progress.currentFile));
     m_fileSymbol->setVisible(!progress.currentFile.empty());
     if (m_cancel->isEnabled()) {
@@ -173,38 +113,37 @@ void CopyProgressView::setStopping() {
     m_remaining->setText(tr("Finishing the files in progress…"));
 }
 
-CopyReportView::CopyReportView(const CopyService::Report& report, const QString& interruption,
+CopyReportView::CopyReportView(const CopyService::Report& report, const LibraryViewModel& library,
                                QWidget* parent)
     : QWidget{parent} {
-    const auto& theme = Theme::current();
-    const auto wentWell = interruption.isEmpty() && !report.wasCancelled && report.failures.empty();
+    const auto interruption = text(library.copyInterruption());
     auto* column = makeColumn(this);
-    column->addLayout(makeHeading(wentWell ? u"checkmark.circle.fill" : u"exclamationmark.triangle.fill",
-                                  wentWell ? theme.mark : theme.warning,
+    const auto [symbolName, color] = headingLook(report, !interruption.isEmpty());
+    column->addLayout(makeHeading(symbolName, Theme::current().*color,
                                   copyReportTitle(report, !interruption.isEmpty()), this));
     column->addSpacing(spacing::large);
     if (!interruption.isEmpty()) {
         column->addWidget(makeParagraph(interruption, this));
         column->addSpacing(spacing::large);
     }
-    column->addLayout(makeRows(report, this));
+    column->addLayout(makeRows(copyReportRows(report, library.isCopyVerified()), this));
     if (!report.failures.empty()) {
         column->addSpacing(spacing::medium);
-        column->addWidget(makeFailureList(report, this));
+        column->addWidget(new CopyFailureList{report.failures, this});
     }
     column->addSpacing(spacing::huge);
 
     m_show = makeButton(tr("Show in Finder"), this);
-    m_done = makeButton(tr("Done"), this);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(spacing::small);
     buttons->addWidget(m_show);
     buttons->addStretch(1);
-    if (report.failures.empty() && !report.wasCancelled) {
+    if (report.failures.empty() && !report.wasCancelled && library.copiedMarkedPhotos()) {
         m_clear = makeButton(tr("Clear Marks"), this);
         m_clear->setToolTip(tr("Unmark the copied photos"));
         buttons->addWidget(m_clear);
     }
+    m_done = makeButton(tr("Done"), this); // last, as Tab goes
     buttons->addWidget(m_done);
     column->addLayout(buttons);
 }

@@ -2,7 +2,9 @@
 
 #include "platform/Desktop.h"
 #include "platform/Preferences.h"
+#include "views/ClosingSheet.h"
 #include "views/CopySheet.h"
+#include "views/DeleteSheet.h"
 #include "views/EmptyState.h"
 #include "views/LocalURL.h"
 #include "views/MainMenu.h"
@@ -72,7 +74,7 @@ RootView::RootView(LibraryViewModel& library, Preferences& preferences, Desktop&
                    SideWindows& sideWindows, PhotoCanvases canvases,
                    std::function<void(const FileURL&)> onDrop)
     : m_library{library}, m_preferences{preferences}, m_desktop{desktop},
-      m_sideWindows{sideWindows}, m_onDrop{std::move(onDrop)} {
+      m_sideWindows{sideWindows}, m_onDrop{std::move(onDrop)}, m_thumbnails{canvases.thumbnails} {
     setMinimumSize(smallestSize);
     setAcceptDrops(true);
     m_menu = new MainMenu{library, this};
@@ -97,22 +99,26 @@ RootView::RootView(LibraryViewModel& library, Preferences& preferences, Desktop&
 
     m_dropFrame = new DropFrame{this};
     m_copySheetFrame = new Sheet{this};
+    m_deleteSheetFrame = new Sheet{this};
     m_alertFrame = new Sheet{this};
+    m_closingFrame = new Sheet{this};
     m_frameGuard = new WindowFrameGuard{*this};
     m_copySheet = new CopySheet{library, desktop, *m_copySheetFrame, this};
-    for (auto* sheet : {m_copySheetFrame, m_alertFrame}) {
-        connect(sheet, &Sheet::didShowOrHide, m_menu,
-                [menu = m_menu, copySheet = m_copySheetFrame, alert = m_alertFrame] {
-                    menu->setEnabled(!copySheet->isVisible() && !alert->isVisible());
-                    menu->refresh();
-                });
+    m_closingSheet = new ClosingSheet{library, *m_closingFrame, *this};
+    for (auto* sheet : {m_copySheetFrame, m_deleteSheetFrame, m_alertFrame, m_closingFrame}) {
+        connect(sheet, &Sheet::didShowOrHide, m_menu, [this] {
+            m_menu->setEnabled(!hasSheet());
+            m_menu->refresh();
+        });
     }
 
     using P = LibraryProperty;
     m_subscriptions.push_back(
         m_library.observe({P::sourceURL, P::volumes}, [this](const auto&) { refreshTitle(); }));
     m_subscriptions.push_back(
-        m_library.observe({P::ratingSaveError, P::ejectError}, [this](const auto&) { showNextAlert(); }));
+        m_library.observe({P::pendingDeletion}, [this](const auto&) { showDeleteSheet(); }));
+    m_subscriptions.push_back(m_library.observe({P::ratingSaveError, P::ejectError, P::deleteError},
+                                                [this](const auto&) { showNextAlert(); }));
     refreshTitle();
     restoreGeometryOr(usualSize);
     m_content->focusPhotos();
@@ -151,7 +157,17 @@ void RootView::keepSize(const QSize& size) {
 
 void RootView::closeEvent(QCloseEvent* event) {
     saveFrame();
+    if (!m_closingSheet->canClose()) return event->ignore();
     QWidget::closeEvent(event);
+}
+
+void RootView::closeWithoutAsking() { m_closingSheet->closeSoon(); }
+
+void RootView::bringToFront() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
 }
 
 void RootView::changeEvent(QEvent* event) {
@@ -178,10 +194,18 @@ void RootView::dropEvent(QDropEvent* event) {
     }
 }
 
-bool RootView::hasSheet() const { return m_copySheetFrame->isVisible() || m_alertFrame->isVisible(); }
+bool RootView::hasSheet() const {
+    return m_copySheetFrame->isVisible() || m_deleteSheetFrame->isVisible() || m_alertFrame->isVisible() ||
+           m_closingFrame->isVisible();
+}
+
+bool RootView::isSettled() const {
+    const auto* sheet = qobject_cast<DeleteSheet*>(m_deleteSheetFrame->content());
+    return m_content->isSettled() && !(sheet && sheet->isLoading());
+}
 
 bool RootView::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() != QEvent::KeyPress || QApplication::activePopupWidget() || hasSheet()) return false;
+    if (event->type() != QEvent::KeyPress || QApplication::activePopupWidget()) return false;
     const auto* receiver = qobject_cast<const QWidget*>(watched);
     if (!receiver || QApplication::activeModalWidget()) return false;
     const auto* window = receiver->window();
@@ -193,6 +217,7 @@ bool RootView::eventFilter(QObject* watched, QEvent* event) {
     const auto command = windowCommand(latinKey(key.key(), key.nativeScanCode()), key.modifiers(),
                                        keyFocus(receiver), m_library.viewMode());
     if (!command || (isBeside && !command->isForEveryWindow())) return false;
+    if (hasSheet() && command->kind != WindowCommand::Kind::quit) return false;
     if (!key.isAutoRepeat() || command->repeats()) perform(*command);
     return true;
 }
@@ -226,6 +251,8 @@ void RootView::perform(const WindowCommand& command) {
         return;
     case Kind::copyMarked:
         return m_library.startCopy();
+    case Kind::deletePhotos:
+        return m_library.requestDeleteForFocused();
     case Kind::clearMarks:
         return m_library.clearMarks();
     case Kind::showInFileManager:
@@ -266,7 +293,6 @@ void RootView::perform(const WindowCommand& command) {
         return m_sideWindows.show(SideWindows::Identifier::support, *this);
     case Kind::copyEdits:
     case Kind::pasteEdits:
-    case Kind::deletePhotos:
     case Kind::share:
     case Kind::importPresets:
         return; // see commandState
@@ -292,18 +318,27 @@ void RootView::goBack() {
 
 void RootView::toggleFullScreen() { setWindowState(windowState() ^ Qt::WindowFullScreen); }
 
+void RootView::showDeleteSheet() {
+    if (!m_library.pendingDeletion()) return m_deleteSheetFrame->dismiss();
+    auto* sheet = new DeleteSheet{m_library, m_thumbnails};
+    m_deleteSheetFrame->present(sheet);
+    m_deleteSheetFrame->setButtons(sheet->defaultButton(), sheet->cancelButton());
+}
+
 void RootView::showNextAlert() {
     const auto present = [this](const QString& title, const std::string& message, auto clear) {
         auto* alert = new AlertView{title, text(message)};
         m_alertFrame->present(alert);
-        m_alertFrame->setButtons(alert->button(), alert->button());
-        connect(alert->button(), &QPushButton::clicked, this, clear);
+        m_alertFrame->setButtons(alert->defaultButton(), alert->defaultButton());
+        connect(alert->defaultButton(), &QPushButton::clicked, this, clear);
     };
     if (!m_library.ratingSaveError().empty()) {
         present(tr("Rating Not Saved"), m_library.ratingSaveError(),
                 [this] { m_library.clearRatingSaveError(); });
     } else if (!m_library.ejectError().empty()) {
         present(tr("Couldn't Eject"), m_library.ejectError(), [this] { m_library.clearEjectError(); });
+    } else if (!m_library.deleteError().empty()) {
+        present(tr("Couldn't Delete"), m_library.deleteError(), [this] { m_library.clearDeleteError(); });
     } else {
         m_alertFrame->dismiss();
     }

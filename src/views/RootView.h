@@ -8,10 +8,13 @@ class QSplitter;
 
 namespace kelvara {
 
+class ClosingSheet;
 class CopySheet;
+class DeleteSheet;
 class MainMenu;
 class Sheet;
 class SideWindows;
+class ThumbnailService;
 class WindowFrameGuard;
 
 /// The main window: the sources at the left, their photos at the right.
@@ -24,12 +27,15 @@ public:
     RootView(LibraryViewModel& library, Preferences& preferences, Desktop& desktop, SideWindows& sideWindows,
              PhotoCanvases canvases, std::function<void(const FileURL&)> onDrop);
 
-    [[nodiscard]] bool isSettled() const { return m_content->isSettled(); }
+    [[nodiscard]] bool isSettled() const;
     void perform(const WindowCommand& command);
     /// What can be done with the focused photo, as a menu beside it.
     void showPhotoMenu(const QPoint& screenPoint);
     /// Keeps the size it is given, even where that is larger than the screen: for pictures of the window.
     void keepSize(const QSize& size);
+    void bringToFront();
+    /// Stops a copy that runs, and closes once the files in progress have finished.
+    void closeWithoutAsking();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -45,6 +51,7 @@ private:
     void restoreGeometryOr(const QSize& usualSize);
     void restoreSidebarWidth();
     void saveFrame();
+    void showDeleteSheet();
     void showNextAlert();
     void toggleFullScreen();
     void goBack();
@@ -56,13 +63,17 @@ private:
     Desktop& m_desktop;
     SideWindows& m_sideWindows;
     std::function<void(const FileURL&)> m_onDrop;
+    ThumbnailService* m_thumbnails; // may be none
     MainMenu* m_menu;
     QSplitter* m_splitter;
     LibraryContentView* m_content;
     QWidget* m_dropFrame;
     Sheet* m_copySheetFrame;
+    Sheet* m_deleteSheetFrame;
     Sheet* m_alertFrame;
+    Sheet* m_closingFrame;
     CopySheet* m_copySheet;
+    ClosingSheet* m_closingSheet;
     WindowFrameGuard* m_frameGuard;
     std::vector<Subscription> m_subscriptions;
 };

@@ -133,7 +133,9 @@ bool Sheet::focusNextPrevChild(bool next) {
     return true;
 }
 
-AlertView::AlertView(const QString& title, const QString& message, QWidget* parent) : QWidget{parent} {
+AlertView::AlertView(const QString& title, const QString& message, const QStringList& buttonTitles,
+                     QWidget* parent)
+    : QWidget{parent} {
     setAccessibleName(title);
     constexpr int textWidth = 320;
     auto* icon = new QLabel{this};
@@ -148,8 +150,14 @@ AlertView::AlertView(const QString& title, const QString& message, QWidget* pare
     body->setAccessibleName(message);
     body->setFixedWidth(textWidth);
     body->showText(message);
-    m_button = new QPushButton{tr("OK"), this};
-    m_button->setMinimumWidth(84);
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(spacing::small);
+    buttons->addStretch(1);
+    for (const auto& buttonTitle : buttonTitles.isEmpty() ? QStringList{tr("OK")} : buttonTitles) {
+        m_buttons.append(new QPushButton{buttonTitle, this});
+        m_buttons.back()->setMinimumWidth(84);
+        buttons->addWidget(m_buttons.back());
+    }
 
     auto* words = new QVBoxLayout;
     words->setSpacing(spacing::small - 2);
@@ -163,7 +171,7 @@ AlertView::AlertView(const QString& title, const QString& message, QWidget* pare
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(spacing::huge - 4);
     column->addLayout(top);
-    column->addWidget(m_button, 0, Qt::AlignRight);
+    column->addLayout(buttons);
 }
 
 } // namespace kelvara

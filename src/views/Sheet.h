@@ -48,16 +48,20 @@ private:
     QPointer<QPushButton> m_cancel;
 };
 
-/// A sentence with a title and an "OK" button, as content of a sheet.
+/// A sentence with a title and buttons, as content of a sheet.
 class AlertView : public QWidget {
     Q_OBJECT
 
 public:
-    AlertView(const QString& title, const QString& message, QWidget* parent = nullptr);
-    [[nodiscard]] QPushButton* button() const { return m_button; }
+    /// The default button comes last; without any there is "OK".
+    AlertView(const QString& title, const QString& message, const QStringList& buttonTitles = {},
+              QWidget* parent = nullptr);
+    [[nodiscard]] QPushButton* defaultButton() const { return m_buttons.back(); }
+    /// The one before the default button.
+    [[nodiscard]] QPushButton* otherButton() const { return m_buttons.front(); }
 
 private:
-    QPushButton* m_button;
+    QList<QPushButton*> m_buttons;
 };
 
 } // namespace kelvara

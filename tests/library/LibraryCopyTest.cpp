@@ -22,7 +22,10 @@ TEST_F(LibraryCopyTest, copiesTheMarkedFilesAndEndsInAReport) {
     library.toggleChecked(photo("a.jpg"));
     library.toggleChecked(photo("c.NEF"));
     library.startCopy();
-    EXPECT_TRUE(std::holds_alternative<CopyService::Progress>(library.copyState()));
+    const auto* beginning = std::get_if<CopyService::Progress>(&library.copyState());
+    ASSERT_NE(beginning, nullptr);
+    EXPECT_EQ(beginning->totalFiles, 2); // known before anything is planned
+    EXPECT_EQ(beginning->totalBytes, 10);
     library.startCopy(); // one at a time
     settle();
     const auto* report = std::get_if<CopyService::Report>(&library.copyState());
@@ -73,8 +76,11 @@ TEST_F(LibraryCopyTest, aCopyStoppedBeforeItsFirstFileIsCancelled) {
     auto& library = startWithThreePhotos();
     library.toggleChecked(photo("a.jpg"));
     library.startCopy();
+    EXPECT_FALSE(library.isStoppingCopy());
     library.cancelCopy();
+    EXPECT_TRUE(library.isStoppingCopy());
     settle();
+    EXPECT_FALSE(library.isStoppingCopy());
     const auto* report = std::get_if<CopyService::Report>(&library.copyState());
     ASSERT_NE(report, nullptr);
     EXPECT_TRUE(report->wasCancelled);
@@ -125,6 +131,51 @@ TEST_F(LibraryCopyTest, pullingTheDestinationDriveInterruptsTheCopyToo) {
     EXPECT_TRUE(library.copyInterruption().starts_with("The destination drive was disconnected"));
     settle();
     EXPECT_FALSE(std::holds_alternative<CopyService::Progress>(library.copyState()));
+}
+
+TEST_F(LibraryCopyTest, whatIsPulledIsJudgedByTheCopyThatRunsNotByWhatIsChosenMeanwhile) {
+    auto& library = startWithThreePhotos();
+    m_card.write("other/x.jpg", "1");
+    library.toggleChecked(photo("a.jpg"));
+    library.startCopy();
+    library.setSourceURL(m_card / "other");
+    library.chooseCopyDestination();
+    m_chooser.answer(FolderChooser::Choice{m_card / "elsewhere", false});
+    m_volumes.unmount(m_card / "other");
+    m_volumes.unmount(m_card / "elsewhere");
+    EXPECT_EQ(library.copyInterruption(), "");
+    m_volumes.unmount(m_card / "card");
+    m_volumes.unmount(destination()); // with the same plug
+    EXPECT_TRUE(library.copyInterruption().starts_with("The card was removed during the copy."));
+    EXPECT_TRUE(library.isStoppingCopy());
+}
+
+TEST_F(LibraryCopyTest, theReportUnmarksWhatWasCopiedAndNothingElse) {
+    auto& library = startWithThreePhotos();
+    library.toggleChecked(photo("a.jpg"));
+    library.toggleChecked(photo("c.NEF"));
+    library.startCopy();
+    library.toggleChecked(photo("b.jpg"));
+    library.toggleChecked(photo("c.NEF"));
+    settle();
+    EXPECT_TRUE(library.copiedMarkedPhotos());
+    library.unmarkCopiedPhotos();
+    EXPECT_FALSE(library.copiedMarkedPhotos());
+    EXPECT_THAT(library.checkedIDs(), testing::ElementsAre(photo("b.jpg")));
+}
+
+TEST_F(LibraryCopyTest, verifyingIsRememberedAndBelongsToTheCopyThatBeganWithIt) {
+    auto& library = startWithThreePhotos();
+    EXPECT_FALSE(library.verifiesCopies());
+    library.setVerifiesCopies(true);
+    library.toggleChecked(photo("a.jpg"));
+    library.startCopy();
+    library.setVerifiesCopies(false);
+    EXPECT_TRUE(library.isCopyVerified());
+    settle();
+    EXPECT_TRUE(library.isCopyVerified());
+    library.setVerifiesCopies(true);
+    EXPECT_TRUE(start().verifiesCopies());
 }
 
 } // namespace

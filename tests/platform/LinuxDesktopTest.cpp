@@ -1,10 +1,9 @@
 #include "platform/linux/LinuxDesktop.h"
 
+#include "platform/BusDouble.h"
 #include "platform/EventLoop.h"
 #include "platform/PrivateBus.h"
 
-#include <QDBusMessage>
-#include <QDBusVirtualObject>
 #include <QDir>
 #include <QFile>
 #include <QFileSystemWatcher>
@@ -13,18 +12,6 @@
 
 namespace kelvara {
 namespace {
-
-/// A file manager that notes what it is asked to show.
-class FileManagerDouble : public QDBusVirtualObject {
-public:
-    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-        m_calls.append(message);
-        return connection.send(message.createReply());
-    }
-
-    QList<QDBusMessage> m_calls;
-};
 
 class LinuxDesktopTest : public testing::Test {
 protected:
@@ -49,15 +36,15 @@ protected:
 };
 
 TEST_F(LinuxDesktopTest, theFileManagerShowsTheFileWhateverItsName) {
-    FileManagerDouble manager;
+    BusDouble manager;
     auto managerBus = m_bus.connect();
     ASSERT_TRUE(managerBus.registerVirtualObject(QStringLiteral("/org/freedesktop/FileManager1"), &manager));
     ASSERT_TRUE(managerBus.registerService(QStringLiteral("org.freedesktop.FileManager1")));
 
     LinuxDesktop desktop{m_bus.connect(), {}, opener()};
     desktop.showInFileManager(FileURL{"/media/me/My Card #1/DSC_\xff%.NEF"});
-    ASSERT_TRUE(runUntil([&] { return !manager.m_calls.isEmpty(); }));
-    const auto call = manager.m_calls.front();
+    ASSERT_TRUE(runUntil([&] { return !manager.calls.isEmpty(); }));
+    const auto call = manager.calls.front();
     EXPECT_EQ(call.member(), QStringLiteral("ShowItems"));
     EXPECT_EQ(call.signature(), QStringLiteral("ass"));
     EXPECT_EQ(call.arguments().at(0).toStringList(),

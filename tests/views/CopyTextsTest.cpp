@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace kelvara {
 
 using namespace std::chrono_literals;
@@ -30,7 +32,10 @@ TEST(CopyTextsTest, theTimeRemainingWaitsForTwoSecondsAndTheFirstBytes) {
     progress.completedBytes = 96'400'000;
     EXPECT_EQ(timeRemainingText(progress, 2s), QString{});
     EXPECT_EQ(timeRemainingText(progress, 2s + 1ns), QString{"48.2 MB/s · 2 min, 5 sec left"});
-    progress.completedBytes = progress.totalBytes;
+    progress.completedBytes = 1;
+    progress.totalBytes = std::numeric_limits<std::int64_t>::max(); // what a broken card claims
+    EXPECT_TRUE(timeRemainingText(progress, 10s).endsWith(u"left"));
+    progress.completedBytes = progress.totalBytes = 6'121'000'000;
     EXPECT_EQ(timeRemainingText(progress, 10s), QString{"612.1 MB/s · 0 sec left"});
 }
 
@@ -49,13 +54,14 @@ TEST(CopyTextsTest, theReportCountsOnlyWhatHappened) {
     report.copied = 12;
     report.copiedBytes = 340'000'000;
     report.duration = 68s;
-    auto rows = copyReportRows(report);
+    auto rows = copyReportRows(report, false);
     ASSERT_EQ(rows.size(), 1);
     EXPECT_EQ(rows[0].count + ": " + rows[0].detail, QString{"12 copied: 340 MB in 1 min, 8 sec"});
+    EXPECT_EQ(copyReportRows(report, true)[0].detail, QString{"340 MB in 1 min, 8 sec · verified"});
     report.skipped = 2;
     report.renamed = 1;
     report.failures = {{"a.jpg", "Permission denied"}};
-    rows = copyReportRows(report);
+    rows = copyReportRows(report, false);
     ASSERT_EQ(rows.size(), 4);
     EXPECT_EQ(rows[1].count + ": " + rows[1].detail,
               QString{"2 already there: skipped (same name and size)"});

@@ -238,6 +238,45 @@ TEST_F(RootViewTest, aFinishedCopyReportsAndReturnEndsIt) {
     EXPECT_TRUE(std::holds_alternative<CopyIdle>(m_library->copyState()));
 }
 
+TEST_F(RootViewTest, closingDuringACopyAsksAndWaitsForItsEnd) {
+    auto& window = open({"a.jpg", "b.jpg"});
+    const TemporaryFolder destination;
+    press(Qt::Key_S);
+    m_library->startCopy();
+    m_chooser.answer(FolderChooser::Choice{destination.url(), false});
+    EXPECT_FALSE(window.close());
+    press(Qt::Key_Escape); // keeps copying
+    EXPECT_FALSE(m_library->isStoppingCopy());
+    EXPECT_EQ(visibleButton("Keep Copying"), nullptr);
+    press(Qt::Key_Q, Qt::ControlModifier);
+    ASSERT_NE(visibleButton("Stop and Quit"), nullptr);
+    visibleButton("Stop and Quit")->click();
+    EXPECT_TRUE(m_library->isStoppingCopy());
+    EXPECT_FALSE(visibleButton("Cancel")->isEnabled());
+    EXPECT_FALSE(window.close()); // the files in progress
+    settle();
+    QApplication::processEvents();
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(RootViewTest, aCopyThatEndsByItselfTakesTheQuestionBack) {
+    auto& window = open({"a.jpg"});
+    const TemporaryFolder destination;
+    press(Qt::Key_S);
+    m_library->startCopy();
+    m_chooser.answer(FolderChooser::Choice{destination.url(), false});
+    EXPECT_FALSE(window.close());
+    settle();
+    QApplication::processEvents();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(visibleButton("Stop and Quit"), nullptr);
+    press(Qt::Key_Return);
+    EXPECT_TRUE(std::holds_alternative<CopyIdle>(m_library->copyState()));
+    window.closeWithoutAsking();
+    QApplication::processEvents();
+    EXPECT_FALSE(window.isVisible());
+}
+
 TEST_F(RootViewTest, anErrorIsShownUntilItIsAcknowledged) {
     open({"a.jpg"});
     m_volumes.mount(volume(FileURL{"/media/card"}, true));
@@ -251,6 +290,36 @@ TEST_F(RootViewTest, anErrorIsShownUntilItIsAcknowledged) {
     press(Qt::Key_Escape);
     EXPECT_EQ(m_library->ejectError(), "");
     EXPECT_EQ(visibleButton("OK"), nullptr);
+}
+
+TEST_F(RootViewTest, deletingAsksTellsOfFailuresAndGivesTheKeyboardBack) {
+    open({"a.jpg", "b.jpg", "c.jpg"});
+    m_trash.refuse(m_card / "b.jpg");
+    press(Qt::Key_Delete);
+    ASSERT_NE(visibleButton("Move to Trash"), nullptr);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(QApplication::focusWidget(), m_grid);
+    press(Qt::Key_Backspace, Qt::ControlModifier);
+    press(Qt::Key_Return);
+    settle();
+    EXPECT_EQ(visibleNames(), (std::vector<std::string>{"b.jpg", "c.jpg"}));
+    EXPECT_EQ(focusedName(), "b.jpg");
+    EXPECT_EQ(QApplication::focusWidget(), m_grid);
+
+    press(Qt::Key_Delete);
+    press(Qt::Key_Return);
+    settle();
+    ASSERT_NE(visibleButton("OK"), nullptr);
+    press(Qt::Key_Return);
+    EXPECT_EQ(m_library->deleteError(), "");
+    EXPECT_EQ(QApplication::focusWidget(), m_grid);
+
+    m_volumes.mount(volume(m_card.url(), true)); // the source is a card now: erasing
+    press(Qt::Key_Delete);
+    ASSERT_NE(visibleButton("Delete"), nullptr);
+    press(Qt::Key_Return);
+    settle();
+    EXPECT_EQ(visibleNames().size(), 2U);
 }
 
 TEST_F(RootViewTest, anEmptyGridOffersTheWayOutAndTakesItByMouse) {
