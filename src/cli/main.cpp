@@ -6,6 +6,7 @@
 #include "cli/PresetCommand.h"
 #include "cli/RateCommand.h"
 #include "cli/RatingsCommand.h"
+#include "cli/RenderCommand.h"
 #include "cli/ThumbnailCommand.h"
 #include "platform/linux/LinuxFileSystem.h"
 #include "platform/linux/LinuxTrash.h"
@@ -39,6 +40,7 @@ int main(int argc, char** argv) {
     commands.push_back(std::make_unique<ThumbnailCommand>(app, files));
     commands.push_back(std::make_unique<PresetCommand>(app));
     commands.push_back(std::make_unique<LookCommand>(app, files));
+    commands.push_back(std::make_unique<RenderCommand>(app, files));
 #ifdef KELVARA_CLI_VOLUMES
     commands.push_back(std::make_unique<VolumesCommand>(app));
     commands.push_back(std::make_unique<EjectCommand>(app));

@@ -38,7 +38,7 @@ template <typename Sample> void addSamples(const Sample* from, float times, floa
     const hn::ScalableTag<float> d;
     std::size_t i = 0;
     for (; i + hn::Lanes(d) <= count; i += hn::Lanes(d)) {
-        auto values = hn::Undefined(d);
+        auto values = hn::Zero(d);
         if constexpr (std::is_same_v<Sample, float>) {
             values = hn::LoadU(d, from + i);
         } else {
