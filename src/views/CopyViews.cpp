@@ -2,6 +2,7 @@
 
 #include "views/CopyFailureList.h"
 #include "views/CopyTexts.h"
+#include "views/SelectableText.h"
 #include "views/SheetParts.h"
 #include "views/Symbols.h"
 #include "views/Text.h"

@@ -3,6 +3,7 @@
 #include "views/Controls.h"
 #include "views/DeletePreviewStrip.h"
 #include "views/DeleteTexts.h"
+#include "views/SelectableText.h"
 #include "views/SheetParts.h"
 #include "views/Symbols.h"
 
