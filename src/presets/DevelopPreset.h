@@ -52,7 +52,7 @@ struct DevelopPreset {
     PresetLook adjustments; ///< A second look, applied after the first at full strength.
 
     /// The most bytes that a preset's file may have: many times what masks and curves take.
-    static constexpr std::size_t maximumFileSize = 8 * 1024 * 1024;
+    static constexpr std::size_t maximumFileSize = std::size_t{8} * 1024 * 1024;
 
     /// Reads a ".lrtemplate" or ".xmp" file; blocks, so it belongs on a background thread.
     [[nodiscard]] static Result<DevelopPreset, LoadError> load(const FileURL& url);
