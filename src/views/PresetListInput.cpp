@@ -1,7 +1,6 @@
 // PresetListView: the pointer and the keys.
 
 #include "views/PresetListView.h"
-#include "views/Symbols.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -14,15 +13,19 @@
 
 namespace kelvara {
 
+namespace {
+/// As the menus say it.
+QString fileManagerText() { return QCoreApplication::translate("CommandStates", "Show in Finder"); }
+} // namespace
+
 bool PresetListView::isOnStar(std::size_t index, const QPoint& viewportPoint) const {
     return entry(index).kind == Entry::Kind::tile &&
            PresetTile::star(entryRect(index), m_layout.pictureSize()).contains(viewportPoint);
 }
 
 void PresetListView::hover(const QPoint& viewportPoint) {
-    const auto index = viewport()->underMouse() && !QApplication::activePopupWidget()
-                           ? indexAt(viewportPoint)
-                           : std::nullopt;
+    const auto index = viewport()->underMouse() && !QApplication::activePopupWidget() ? indexAt(viewportPoint)
+                                                                                      : std::nullopt;
     setHovered(index, index && isOnStar(*index, viewportPoint));
 }
 
@@ -78,7 +81,7 @@ void PresetListView::contextMenuEvent(QContextMenuEvent* event) {
         menu->addAction(m_presets.isFavourite(id) ? tr("Remove from Favourites") : tr("Add to Favourites"),
                         this, [this, id] { toggleFavourite(id); });
         if (m_presets.isImported(id)) {
-            menu->addAction(tr("Show in Finder"), this, [this, id] { m_presets.reveal(id); });
+            menu->addAction(fileManagerText(), this, [this, id] { m_presets.reveal(id); });
             menu->addAction(tr("Move to Trash…"), this, [this, id] { emit removalRequested(id); });
         }
         menu->addSeparator();

@@ -96,7 +96,7 @@ void PresetPictures::didLoadThumbnail(BitmapPtr thumbnail) {
     if (m_thumbnail) {
         loadMissing();
     } else {
-        for (auto& [id, entry] : m_entries) entry.picture = {.isFinal = true};
+        for (auto& [id, entry] : m_entries) entry.picture = {{}, false, true};
     }
     m_onChange();
 }
@@ -116,9 +116,8 @@ void PresetPictures::loadMissing() {
             entry.picture = {wrapped(ready), false, true};
             continue;
         }
-        entry.request =
-            m_tiles.tile(m_url, side, entry.preset, m_thumbnail,
-                         [this, id](const BitmapPtr& picture) { receive(id, picture); });
+        entry.request = m_tiles.tile(m_url, side, entry.preset, m_thumbnail,
+                                     [this, id](const BitmapPtr& picture) { receive(id, picture); });
     }
 }
 
