@@ -136,7 +136,7 @@ std::vector<Screenshots::State> Screenshots::allStates() {
         {QStringLiteral("presets-search"),
          [](auto& library, auto& root) {
              showPresets(library);
-             root.presets().setSearchText("film");
+             root.presets().setSearchText("warm");
          },
          leavePresets},
         {QStringLiteral("presets-no-matches"),

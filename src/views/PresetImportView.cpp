@@ -26,9 +26,10 @@ QString counted(std::size_t count, const char* one, const char* many) {
 /// Every file that was refused, with its reason; scrolls when there are many.
 QListWidget* makeProblemList(const std::vector<std::string>& problems, QWidget* parent) {
     auto* list = new QListWidget{parent};
-    list->setObjectName(QStringLiteral("problems"));
+    list->setObjectName(QStringLiteral("failures"));
     list->setFont(kelvara::font(TextRole::caption));
     list->setWordWrap(true);
+    list->setSpacing(3);
     list->setTextElideMode(Qt::ElideMiddle);
     list->setSelectionMode(QAbstractItemView::NoSelection);
     list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
@@ -38,7 +39,7 @@ QListWidget* makeProblemList(const std::vector<std::string>& problems, QWidget* 
     for (const auto& problem : problems) list->addItem(text(problem));
     // Two lines each, of which many need one.
     const auto line = list->fontMetrics().height();
-    const auto wanted = static_cast<int>(std::min<std::size_t>(problems.size(), 100)) * (2 * line + 6) + 14;
+    const auto wanted = static_cast<int>(std::min<std::size_t>(problems.size(), 100)) * (2 * line + 6) + 16;
     list->setFixedHeight(std::min(wanted, listHeight));
     return list;
 }

@@ -24,9 +24,15 @@ bool PresetListView::isOnStar(std::size_t index, const QPoint& viewportPoint) co
 }
 
 void PresetListView::hover(const QPoint& viewportPoint) {
-    const auto index = viewport()->underMouse() && !QApplication::activePopupWidget() ? indexAt(viewportPoint)
-                                                                                      : std::nullopt;
+    const auto index = indexAt(viewportPoint);
     setHovered(index, index && isOnStar(*index, viewportPoint));
+}
+
+void PresetListView::hoverWhatIsUnderPointer() {
+    if (viewport()->underMouse() && !QApplication::activePopupWidget())
+        hover(viewport()->mapFromGlobal(QCursor::pos()));
+    else
+        unhover();
 }
 
 void PresetListView::unhover() { setHovered(std::nullopt, false); }

@@ -10,7 +10,8 @@ namespace kelvara {
 namespace {
 
 constexpr int margin = spacing::medium;
-constexpr int gap = 10;            // has room for the frame of a chosen tile
+constexpr int rightMargin = 3; // room for a tile's frame; the rest of it is the scroll bar
+constexpr int gap = 10;        // has room for the frame of a chosen tile
 constexpr int comfortableTile = 120;
 constexpr int fewestColumns = 2;
 constexpr int noneHeight = 48;
@@ -27,7 +28,7 @@ auto firstBelow(const std::vector<Entry>& entries, int y) {
 } // namespace
 
 PresetListLayout::PresetListLayout(int width, int titleHeight, const std::vector<Section>& sections) {
-    const auto room = std::max(width - 2 * margin, fewestColumns * 24);
+    const auto room = std::max(width - margin - rightMargin, fewestColumns * 24);
     m_columns = std::max((room + gap) / (comfortableTile + gap), fewestColumns);
     const auto tileWidth = (room - (m_columns - 1) * gap) / m_columns;
     m_pictureSize = {tileWidth, tileWidth * 2 / 3};
@@ -36,7 +37,8 @@ PresetListLayout::PresetListLayout(int width, int titleHeight, const std::vector
     m_entries.push_back({Entry::Kind::none, 0, 0, {margin, m_height, room, noneHeight}});
     m_height += noneHeight + gap / 2;
     for (std::size_t section = 0; section < sections.size(); ++section) {
-        m_entries.push_back({Entry::Kind::header, section, 0, {0, m_height, width, headerHeight}});
+        m_entries.push_back(
+            {Entry::Kind::header, section, 0, {0, m_height, margin + room + rightMargin, headerHeight}});
         m_height += headerHeight;
         if (sections[section].isExpanded)
             addTiles(section, sections[section].count, m_pictureSize.height() + titleHeight);
@@ -59,9 +61,10 @@ void PresetListLayout::addTiles(std::size_t section, std::size_t count, int tile
 
 IndexRange PresetListLayout::visible(int top, int height) const {
     const auto begin = firstBelow(m_entries, top);
-    const auto end = std::partition_point(begin, m_entries.end(), [bottom = top + height](const Entry& entry) {
-        return entry.rect.top() < bottom;
-    });
+    const auto end =
+        std::partition_point(begin, m_entries.end(), [bottom = top + height](const Entry& entry) {
+            return entry.rect.top() < bottom;
+        });
     return {static_cast<std::size_t>(begin - m_entries.begin()),
             static_cast<std::size_t>(end - m_entries.begin())};
 }

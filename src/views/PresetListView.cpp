@@ -5,6 +5,7 @@
 
 #include <QPaintEvent>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -159,7 +160,7 @@ void PresetListView::relayout() {
         if (const auto kept = index(anchor->first)) bar->setValue(entry(*kept).rect.top() - anchor->second);
     }
     loadVisible();
-    hover(viewport()->mapFromGlobal(QCursor::pos()));
+    hoverWhatIsUnderPointer();
     tellAssistiveTools(*this, QAccessible::ObjectReorder);
     viewport()->update();
 }
@@ -177,6 +178,8 @@ void PresetListView::loadVisible() {
 }
 
 void PresetListView::showEntry(std::size_t index) {
+    // What comes under a resting pointer isn't what the user asked for.
+    const QScopedValueRollback scrolling{m_isShowingEntry, true};
     verticalScrollBar()->setValue(m_layout.topThatShows(index, top(), viewport()->height()));
 }
 
@@ -250,7 +253,7 @@ void PresetListView::resizeEvent(QResizeEvent* event) {
 
 void PresetListView::scrollContentsBy(int, int) {
     loadVisible();
-    hover(viewport()->mapFromGlobal(QCursor::pos()));
+    m_isShowingEntry ? unhover() : hoverWhatIsUnderPointer();
     viewport()->update();
 }
 

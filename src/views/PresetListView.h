@@ -17,8 +17,8 @@ class QHelpEvent;
 
 namespace kelvara {
 
-/// All presets as tiles that show the focused photo through them, in sections that open and close. Pointing at
-/// one previews it, a click chooses it. Nothing but what is visible is drawn.
+/// All presets as tiles that show the focused photo through them, in sections that open and close. Pointing
+/// at one previews it, a click chooses it. Nothing but what is visible is drawn.
 class PresetListView : public QAbstractScrollArea {
     Q_OBJECT
 
@@ -101,6 +101,7 @@ private:
     void paintEntry(QPainter& painter, std::size_t index);
 
     void hover(const QPoint& viewportPoint);
+    void hoverWhatIsUnderPointer();
     void unhover();
     void setHovered(std::optional<std::size_t> index, bool isOnStar);
     [[nodiscard]] bool isOnStar(std::size_t index, const QPoint& viewportPoint) const;
@@ -118,6 +119,7 @@ private:
     bool m_isStarHovered = false;
     Place m_current; ///< Where the keyboard is.
     bool m_isPressing = false;
+    bool m_isShowingEntry = false;
     std::vector<Subscription> m_subscriptions;
 };
 

@@ -51,9 +51,9 @@ void paintPicture(QPainter& painter, const QRect& area, const PresetTileState& s
     }
     const auto target = fitted(state.picture, area, painter.device()->devicePixelRatioF());
     QBrush brush{state.picture};
-    brush.setTransform(QTransform::fromTranslate(target.x(), target.y())
-                           .scale(target.width() / state.picture.width(),
-                                  target.height() / state.picture.height()));
+    brush.setTransform(
+        QTransform::fromTranslate(target.x(), target.y())
+            .scale(target.width() / state.picture.width(), target.height() / state.picture.height()));
     painter.setBrush(brush);
     painter.setOpacity(state.isFaint ? faint : 1);
     painter.drawRoundedRect(target, radius::thumbnail - 1, radius::thumbnail - 1);
@@ -146,16 +146,16 @@ void paintNone(QPainter& painter, const QRect& rect, const PresetTileState& stat
     words.setHeight(noteLine);
     painter.setFont(noteFont);
     painter.setPen(theme.secondaryText);
-    painter.drawText(words, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                     QFontMetrics{noteFont}.elidedText(Texts::tr("The photo as shot"), Qt::ElideRight,
-                                                       words.width()));
+    painter.drawText(
+        words, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+        QFontMetrics{noteFont}.elidedText(Texts::tr("The photo as shot"), Qt::ElideRight, words.width()));
 }
 
 void paintHeader(QPainter& painter, const QRect& rect, const Header& header) {
     const auto& theme = Theme::current();
     const auto ink = header.isHovered ? theme.text : theme.secondaryText;
     constexpr int chevron = 12;
-    const auto inner = rect.adjusted(spacing::medium, spacing::tiny, -spacing::medium, 0);
+    const auto inner = rect.adjusted(spacing::medium, spacing::tiny, -frameDistance, 0);
     paintSymbol(painter, {inner.left() + chevron / 2, inner.center().y() + 1},
                 header.isExpanded ? u"chevron.down" : u"chevron.right", chevron, ink);
     const auto headerFont = font(TextRole::section);
