@@ -53,6 +53,7 @@ void PresetListView::toggleFavourite(const std::string& presetID) {
 }
 
 void PresetListView::press(std::size_t index) {
+    const QScopedValueRollback pressing{m_isPressing, true};
     m_current = place(index);
     if (isHeader(index)) return m_presets.setExpanded(category(index).id, !isOn(index));
     m_presets.select(isOn(index) ? std::string{} : presetID(index));
@@ -62,7 +63,6 @@ void PresetListView::mousePressEvent(QMouseEvent* event) {
     const auto point = event->position().toPoint();
     const auto index = indexAt(point);
     if (!index || event->button() != Qt::LeftButton) return QAbstractScrollArea::mousePressEvent(event);
-    const QScopedValueRollback pressing{m_isPressing, true};
     if (isOnStar(*index, point)) return toggleFavourite(presetID(*index));
     press(*index);
 }

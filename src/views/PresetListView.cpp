@@ -185,11 +185,12 @@ void PresetListView::showEntry(std::size_t index) {
 
 void PresetListView::followSelection() {
     viewport()->update();
+    // What was pressed stays where it is, and so does the keyboard.
+    if (m_isPressing) return;
     const auto selected = indexOfPreset(m_presets.selectedPresetID());
     if (!selected) return;
     m_current = place(*selected);
-    // What was clicked doesn't move away under the pointer.
-    if (!m_isPressing) showEntry(*selected);
+    showEntry(*selected);
 }
 
 void PresetListView::reveal(const std::string& presetID) {

@@ -102,9 +102,9 @@ void PresetPictures::didLoadThumbnail(BitmapPtr thumbnail) {
 }
 
 int PresetPictures::longestSide() const {
-    const QSize photo{m_thumbnail->width(), m_thumbnail->height()};
+    const QSizeF photo{QSize{m_thumbnail->width(), m_thumbnail->height()}};
     const auto fitted = photo.scaled(m_pixels, Qt::KeepAspectRatio);
-    return std::max({fitted.width(), fitted.height(), 1});
+    return std::max(qRound(std::max(fitted.width(), fitted.height())), 1);
 }
 
 void PresetPictures::loadMissing() {

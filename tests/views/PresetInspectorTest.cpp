@@ -139,6 +139,7 @@ TEST_F(PresetInspectorTest, tilesShowTheFocusedPhotoThroughTheirPresetsAndNeverA
 TEST_F(PresetInspectorTest, onlyVisibleTilesAreDrawnAndNoneWhileHidden) {
     addPhoto("a.jpg", Qt::gray, {900, 600});
     for (int i = 0; i < 300; ++i) m_presets.put("p" + numbered(i), i / 300.0);
+    store().setExpanded("imported/Mine", true);
     auto& list = show();
     ASSERT_GT(list.listLayout().entries().size(), 300);
     m_decoding.runAll();
@@ -176,6 +177,7 @@ TEST_F(PresetInspectorTest, pointingPreviewsAndAClickChoosesOrNoMore) {
     EXPECT_EQ(active(), "Cool Morning");
     click("Cool Morning");
     EXPECT_EQ(selected(), "");
+    click("Soft Light");
     QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, middle("Soft Light"));
     EXPECT_EQ(selected(), "Soft Light");
     click("None");
@@ -299,19 +301,15 @@ TEST(PresetImportViewTest, saysWhatCameInAndWhatDidNot) {
         QString error, title, note;
         bool wentWell;
     } cases[]{
-        {{.imported = {"a"}}, {}, "1 Preset Imported", "", true},
-        {{.imported = {"a", "b"}, .alreadyThere = 1},
-         {},
-         "2 Presets Imported",
-         "1 preset was there already.",
-         true},
-        {{.alreadyThere = 3}, {}, "Nothing New", "3 presets were there already.", true},
-        {{.problems = {"x isn't one."}},
+        {{{"a"}, 0, {}, {}, false}, {}, "1 Preset Imported", "", true},
+        {{{"a", "b"}, 1, {}, {}, false}, {}, "2 Presets Imported", "1 preset was there already.", true},
+        {{{}, 3, {}, {}, false}, {}, "Nothing New", "3 presets were there already.", true},
+        {{{}, 0, {"x isn't one."}, {}, false},
          "No Lightroom develop presets were found.",
          "No Presets Imported",
          "No Lightroom develop presets were found.\n1 file was not imported:",
          false},
-        {{.imported = {"a"}, .wasCancelled = true},
+        {{{"a"}, 0, {}, {}, true},
          {},
          "1 Preset Imported",
          "The import was stopped; the others stayed out.",

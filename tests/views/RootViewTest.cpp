@@ -207,11 +207,11 @@ TEST_F(RootViewTest, presetsDroppedOnTheWindowAreImportedAndTheOutcomeIsShown) {
     m_window->confirmPresetRemoval("Look.xmp");
     press(Qt::Key_Escape);
     settle();
-    EXPECT_TRUE(m_trash.names().empty());
+    EXPECT_TRUE(m_presets.trash.names().empty());
     m_window->confirmPresetRemoval("Look.xmp");
     press(Qt::Key_Return);
     settle();
-    EXPECT_EQ(m_trash.names(), std::vector<std::string>{"Look.xmp"});
+    EXPECT_EQ(m_presets.trash.names(), std::vector<std::string>{"Look.xmp"});
     EXPECT_FALSE(m_presets.store.isImported("Look.xmp"));
 }
 

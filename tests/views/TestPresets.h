@@ -4,6 +4,7 @@
 #include "presets/PresetStore.h"
 #include "presets/PresetTestFiles.h"
 #include "support/FakeFolderWatch.h"
+#include "support/FakeTrash.h"
 
 namespace kelvara {
 
@@ -12,7 +13,7 @@ class TestPresets {
 public:
     explicit TestPresets(const LibraryServices& services)
         : store{{.files = services.files,
-                 .trash = services.trash,
+                 .trash = trash,
                  .watch = watch,
                  .desktop = services.desktop,
                  .preferences = services.preferences,
@@ -27,6 +28,7 @@ public:
     }
 
     TemporaryFolder folder;
+    FakeTrash trash;
     FakeFolderWatch watch;
     PresetStore store;
 };
