@@ -11,6 +11,8 @@
 
 namespace kelvara {
 
+class CubeCache;
+
 /// Small pictures of a photo through many presets, for choosing among them. Owned and called on the main
 /// thread.
 class PresetTileService {
@@ -33,11 +35,12 @@ public:
 
     /// The photos may be others from now on, or in the colours of another screen.
     void emptyCaches() { m_loader.forgetAll(); }
-    /// Halves what is kept, forgetting first what was not used for longest.
-    void shrinkCache() { m_loader.cache().shrink(); }
+    /// Halves the pictures that are kept, forgetting first what was not used for longest.
+    void shrinkCache();
 
 private:
     Executor& m_main;
+    std::shared_ptr<CubeCache> m_cubes; // most of a tile's time, and the same for every photo
     ImageLoader m_loader;
 };
 

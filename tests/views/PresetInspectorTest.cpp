@@ -1,6 +1,5 @@
 #include "views/PresetInspector.h"
 
-#include "presets/PresetRenderer.h"
 #include "services/PresetTileService.h"
 #include "views/PictureFixture.h"
 #include "views/PresetImportView.h"
