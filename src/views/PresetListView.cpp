@@ -33,9 +33,8 @@ QStringView absence(const LibraryViewModel& library) {
 
 PresetListView::PresetListView(LibraryViewModel& library, PresetStore& presets, ThumbnailService& thumbnails,
                                PresetTileService& tiles, QWidget* parent)
-    : QAbstractScrollArea{parent}, m_library{library}, m_presets{presets}, m_pictures{thumbnails, tiles, [this] {
-          viewport()->update();
-      }} {
+    : QAbstractScrollArea{parent}, m_library{library}, m_presets{presets},
+      m_pictures{thumbnails, tiles, [this] { viewport()->update(); }} {
     makePresetListsAccessible();
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -51,8 +50,8 @@ PresetListView::PresetListView(LibraryViewModel& library, PresetStore& presets, 
 
 void PresetListView::observe() {
     using S = PresetProperty;
-    m_subscriptions.push_back(
-        m_presets.observe({S::visibleCategories, S::expandedCategories}, [this](const auto&) { relayout(); }));
+    m_subscriptions.push_back(m_presets.observe({S::visibleCategories, S::expandedCategories},
+                                                [this](const auto&) { relayout(); }));
     m_subscriptions.push_back(
         m_presets.observe({S::searchText}, [this](const auto&) { verticalScrollBar()->setValue(0); }));
     m_subscriptions.push_back(
@@ -60,10 +59,11 @@ void PresetListView::observe() {
     m_subscriptions.push_back(
         m_presets.observe({S::selectedPresetID}, [this](const auto&) { followSelection(); }));
     using P = LibraryProperty;
-    m_subscriptions.push_back(m_library.observe({P::focusedID, P::visibleItems, P::items}, [this](const auto&) {
-        loadVisible();
-        viewport()->update();
-    }));
+    m_subscriptions.push_back(
+        m_library.observe({P::focusedID, P::visibleItems, P::items}, [this](const auto&) {
+            loadVisible();
+            viewport()->update();
+        }));
 }
 
 // Entries
@@ -141,9 +141,11 @@ std::optional<std::size_t> PresetListView::indexAt(const QPoint& canvasPoint) co
 void PresetListView::relayout() {
     // What is pointed at, or else the first whole entry, stays where it is.
     const auto shown = m_layout.visible(top() + 1, viewport()->height());
+    const bool wasHovered = m_hovered.has_value();
     std::optional<std::pair<Place, int>> anchor;
     for (auto i = shown.begin; i < shown.end && !anchor; ++i) {
-        if (m_hovered ? i == *m_hovered : entryRect(i).top() >= 0) anchor.emplace(place(i), entryRect(i).top());
+        if (m_hovered ? i == *m_hovered : entryRect(i).top() >= 0)
+            anchor.emplace(place(i), entryRect(i).top());
     }
     unhover();
     m_categories = m_presets.visibleCategories();
@@ -156,7 +158,7 @@ void PresetListView::relayout() {
     bar->setPageStep(viewport()->height());
     bar->setSingleStep(scrollStep);
     bar->setRange(0, std::max(m_layout.contentHeight() - viewport()->height(), 0));
-    if (anchor && top() > 0) {
+    if (anchor && (top() > 0 || wasHovered)) {
         if (const auto kept = index(anchor->first)) bar->setValue(entry(*kept).rect.top() - anchor->second);
     }
     loadVisible();
@@ -187,7 +189,9 @@ void PresetListView::followSelection() {
     viewport()->update();
     // What was pressed stays where it is, and so does the keyboard.
     if (m_isPressing) return;
-    const auto selected = indexOfPreset(m_presets.selectedPresetID());
+    // Nothing is looked for where none is chosen any more, as when the preset went to the Trash.
+    const auto& id = m_presets.selectedPresetID();
+    const auto selected = id.empty() ? std::nullopt : indexOfPreset(id);
     if (!selected) return;
     m_current = place(*selected);
     showEntry(*selected);
@@ -195,8 +199,8 @@ void PresetListView::followSelection() {
 
 void PresetListView::reveal(const std::string& presetID) {
     for (const auto& category : m_categories) {
-        const auto isHere = std::ranges::any_of(
-            category.presets, [&](const auto& preset) { return preset->id == presetID; });
+        const auto isHere =
+            std::ranges::any_of(category.presets, [&](const auto& preset) { return preset->id == presetID; });
         if (!isHere) continue;
         const auto id = category.id; // the change renews the list
         m_presets.setExpanded(id, true);

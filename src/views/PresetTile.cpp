@@ -41,7 +41,7 @@ QRectF fitted(const QImage& picture, const QRect& area, qreal ratio) {
 void paintPicture(QPainter& painter, const QRect& area, const PresetTileState& state) {
     const auto& theme = Theme::current();
     painter.setPen(Qt::NoPen);
-    painter.setBrush(theme.placeholder);
+    painter.setBrush(theme.field);
     painter.drawRoundedRect(area, radius::thumbnail, radius::thumbnail);
     if (state.picture.isNull()) {
         const auto side = std::clamp(area.height() / 3, 14, 28);
@@ -155,7 +155,7 @@ void paintHeader(QPainter& painter, const QRect& rect, const Header& header) {
     const auto& theme = Theme::current();
     const auto ink = header.isHovered ? theme.text : theme.secondaryText;
     constexpr int chevron = 12;
-    const auto inner = rect.adjusted(spacing::medium, spacing::tiny, -frameDistance, 0);
+    const auto inner = rect.adjusted(spacing::medium, spacing::tiny, -spacing::small, 0);
     paintSymbol(painter, {inner.left() + chevron / 2, inner.center().y() + 1},
                 header.isExpanded ? u"chevron.down" : u"chevron.right", chevron, ink);
     const auto headerFont = font(TextRole::section);
@@ -171,7 +171,7 @@ void paintHeader(QPainter& painter, const QRect& rect, const Header& header) {
     if (!header.hasKeyboard) return;
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen{theme.focusRing, 2});
-    painter.drawRoundedRect(QRectF{rect}.adjusted(5, 5, -5, -1), radius::control, radius::control);
+    painter.drawRoundedRect(QRectF{rect}.adjusted(5, 5, -1, -1), radius::control, radius::control);
 }
 
 } // namespace PresetTile
