@@ -54,6 +54,7 @@ KelvaraApp::KelvaraApp(const Options& options)
       m_sidecarWrites{1, ThreadPool::AtEnd::finish}, m_sideWindows{m_settings, QUrl{QStringLiteral(
                                                                                    KELVARA_SUPPORT_URL)}} {
     const LibraryServices services{.files = m_files,
+                                   .trash = m_trash,
                                    .background = m_background,
                                    .sidecarWrites = m_sidecarWrites,
                                    .main = m_main,
@@ -101,7 +102,8 @@ PhotoCanvases KelvaraApp::makeCanvases() {
             .isLoupeLoading = [loupe = m_loupe] { return loupe->isLoading(); },
             .inspector = {.info = info, .presets = m_presetInspector},
             .isInspectorLoading =
-                [info, presets = m_presetInspector] { return info->isLoading() || presets->isLoading(); }};
+                [info, presets = m_presetInspector] { return info->isLoading() || presets->isLoading(); },
+            .thumbnails = &m_images.thumbnails()};
 }
 
 void KelvaraApp::connectPresets() {

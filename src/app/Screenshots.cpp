@@ -91,6 +91,17 @@ std::vector<Screenshots::State> Screenshots::allStates() {
              library.dismissCopy();
              library.clearMarks();
          }},
+        {QStringLiteral("delete"),
+         [](auto& library, auto& root) {
+             toggleMarks(library);
+             const auto& marked = library.checkedIDs();
+             if (!marked.empty()) library.setFocusedID(FileURL{*marked.begin()});
+             root.perform({Kind::deletePhotos});
+         },
+         [](auto& library, auto&) {
+             library.cancelDeletion();
+             library.clearMarks();
+         }},
         {QStringLiteral("grid-only"), [](auto& library, auto&) { library.setShowsInspector(false); },
          [](auto& library, auto&) { library.setShowsInspector(true); }},
         {QStringLiteral("no-matches"), [](auto& library, auto&) { library.setSearchText("sunset"); },

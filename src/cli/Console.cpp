@@ -1,7 +1,5 @@
 #include "cli/Console.h"
 
-#include "text/PercentEncoding.h"
-
 #include <cstdint>
 #include <cstdio>
 #include <fmt/format.h>
@@ -23,7 +21,7 @@ std::string printable(std::string_view bytes) {
     return result;
 }
 
-std::string fileURI(const FileURL& url) { return "file://" + percentEncoded(url.path()); }
+std::string fileURI(const FileURL& url) { return url.uri(); }
 
 void setPath(JSON& object, const char* key, const char* uriKey, const FileURL& url) {
     object[key] = url.path();

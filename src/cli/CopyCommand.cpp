@@ -1,5 +1,6 @@
 #include "cli/CopyCommand.h"
 
+#include "cli/CopyProgress.h"
 #include "cli/InterruptWatch.h"
 #include "cli/MediaFolder.h"
 #include "library/ItemOrder.h"
@@ -19,21 +20,22 @@ using Plan = CopyService::Plan;
 
 bool isSkipped(const Plan& plan) { return std::holds_alternative<Plan::SkipExisting>(plan.action); }
 
-/// One line that is written over and over while files are copied.
+/// One line that is written over and over while files are copied, where somebody watches.
 class ProgressLine {
 public:
     ~ProgressLine() {
         if (m_isShown) fmt::print(stderr, "\r\033[K");
     }
     void show(const CopyService::Progress& progress) {
+        if (!m_isWatched) return;
         m_isShown = true;
-        fmt::print(stderr, "\r\033[K{} of {} files, {} of {}  {}", progress.completedFiles,
-                   progress.totalFiles, byteCountText(progress.completedBytes),
-                   byteCountText(progress.totalBytes), printable(progress.currentFile));
+        fmt::print(stderr, "\r\033[K{}", m_progress.line(progress, std::chrono::steady_clock::now()));
     }
 
 private:
+    const bool m_isWatched = ::isatty(STDERR_FILENO) == 1;
     bool m_isShown = false;
+    CopyProgress m_progress;
 };
 
 /// The items in the order in which the window lists them at first; copies get their numbers in it.
@@ -69,6 +71,7 @@ CopyCommand::CopyCommand(CLI::App& app, FileSystem& files)
     m_command->add_option("FOLDER", m_folder, "A memory card or any other folder")->required();
     m_command->add_option("DESTINATION", m_destination, "Where the copies go; made when missing")->required();
     m_command->add_flag("--date-folders", m_intoDateFolders, "Sort the copies into folders like 2024-03-07");
+    m_command->add_flag("--verify", m_verifies, "Read each copy back and compare it with the original");
     m_command->add_flag("--dry-run", m_isDryRun, "Only tell what would be copied");
 }
 
@@ -87,7 +90,8 @@ ExitCode CopyCommand::run() const {
                                      .destination = *destination,
                                      .source = *folder,
                                      .intoDateFolders = m_intoDateFolders,
-                                     .createsFolders = !m_isDryRun},
+                                     .createsFolders = !m_isDryRun,
+                                     .verifies = m_verifies},
                                     interrupt.token());
     if (!plans) {
         printError(printable(message(plans.error())));
@@ -98,10 +102,8 @@ ExitCode CopyCommand::run() const {
     auto report = expectedReport(*plans, *destination);
     if (!m_isDryRun) {
         ProgressLine line;
-        const bool showsProgress = ::isatty(STDERR_FILENO) == 1;
-        report = service.copy(*plans, *destination, {}, interrupt.token(), [&](const auto& progress) {
-            if (showsProgress) line.show(progress);
-        });
+        report = service.copy(*plans, *destination, {}, interrupt.token(),
+                              [&](const auto& progress) { line.show(progress); });
     }
     m_asJSON ? printAsJSON(*plans, report) : print(*plans, report);
     if (report.wasCancelled) return ExitCode::interrupted;

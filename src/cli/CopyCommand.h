@@ -24,6 +24,7 @@ private:
     std::string m_folder;
     std::string m_destination;
     bool m_intoDateFolders = false;
+    bool m_verifies = false;
     bool m_isDryRun = false;
 };
 

@@ -2,6 +2,7 @@
 
 #include "services/FileScanner.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <fmt/format.h>
@@ -32,6 +33,15 @@ Result<FileURL, CommandError> resolved(const std::string& path) {
     return FileURL::standardized(canonical.native());
 }
 
+Result<FileURL, CommandError> resolvedLink(const std::string& path) {
+    std::error_code code;
+    const auto absolute = std::filesystem::absolute(path, code).lexically_normal();
+    if (code || path.empty() || !absolute.has_filename()) return resolved(path);
+    const auto folder = resolved(absolute.parent_path().native());
+    if (!folder) return folder;
+    return folder->child(absolute.filename().native());
+}
+
 Result<FileURL, CommandError> readableFile(const std::string& path) {
     auto file = resolved(path);
     if (!file) return file;
@@ -55,22 +65,27 @@ Result<std::vector<PhotoItem>, CommandError> mediaFiles(const FileSystem& files,
     return std::move(*collected);
 }
 
+Result<std::vector<PhotoItem>, CommandError> mediaFilesIn(const FileURL& folder) {
+    std::error_code code;
+    std::vector<PhotoItem> items;
+    // No walk: it would go through all that lies below the folder.
+    for (std::filesystem::directory_iterator entry{folder.path(), code}, end; !code && entry != end;
+         entry.increment(code)) {
+        PhotoItem item{folder.child(entry->path().filename().native()), 0, std::nullopt};
+        std::error_code unknown;
+        const auto type = entry->symlink_status(unknown).type();
+        if (item.kind() && type == std::filesystem::file_type::regular) items.push_back(std::move(item));
+    }
+    if (code) return failure(folder.path(), code);
+    return items;
+}
+
 bool hasRaw(const FileURL& file) {
     if (mediaKind(file.extension()) == MediaKind::raw) return true;
-    std::error_code code;
-    const auto parent = file.parent();
-    // No walk: it would go through all that lies below the folder.
-    for (std::filesystem::directory_iterator entry{parent.path(), code}, end; !code && entry != end;
-         entry.increment(code)) {
-        const auto beside = parent.child(entry->path().filename().native());
-        const bool isSameShot = beside.stemKey() == file.stemKey();
-        std::error_code unknown;
-        if (isSameShot && mediaKind(beside.extension()) == MediaKind::raw &&
-            entry->symlink_status(unknown).type() == std::filesystem::file_type::regular) {
-            return true;
-        }
-    }
-    return false;
+    const auto items = mediaFilesIn(file.parent());
+    return items && std::any_of(items->begin(), items->end(), [&](const PhotoItem& item) {
+               return item.kind() == MediaKind::raw && item.url.stemKey() == file.stemKey();
+           });
 }
 
 std::string shownPath(const FileURL& file, const FileURL& folder) {

@@ -1,80 +1,19 @@
 #include "cli/ThumbnailCommand.h"
 
-#include "cli/InterruptWatch.h"
-#include "cli/MediaFolder.h"
-#include "cli/PictureEncoder.h"
-#include "imaging/ImageDecoder.h"
-
 #include <CLI/CLI.hpp>
-#include <filesystem>
-#include <fmt/format.h>
 
 namespace kelvara::cli {
 
-namespace {
-
-constexpr int largestSize = 16'384;
-
-bool isPNG(const FileURL& output) { return CLI::detail::to_lower(std::string{output.extension()}) == "png"; }
-
-std::string checkExtension(const std::string& path) {
-    const auto extension = CLI::detail::to_lower(std::filesystem::path{path}.extension().native());
-    const bool isKnown = extension == ".png" || extension == ".jpg" || extension == ".jpeg";
-    return isKnown ? std::string{} : "The name must end in .jpg, .jpeg or .png";
-}
-
-bool isSameFile(const FileURL& a, const FileURL& b) {
-    std::error_code ignored;
-    return a == b || std::filesystem::equivalent(a.path(), b.path(), ignored);
-}
-
-} // namespace
-
 ThumbnailCommand::ThumbnailCommand(CLI::App& app, FileSystem& files)
-    : Command{app, "thumbnail", "Make a small picture of a photo or video"}, m_files{files} {
-    m_command->add_option("FILE", m_file, "A photo or video")->required();
+    : PictureCommand{app, "thumbnail", "Make a small picture of a photo or video", files} {
     m_command->add_option("--size", m_size, "The most pixels of its longest side")
         ->required()
         ->check(CLI::Range(1, largestSize))
         ->option_text("PIXELS");
-    m_command->add_option("--output", m_output, "Where to write it: a JPEG or PNG, by the name's extension")
-        ->required()
-        ->check(checkExtension)
-        ->option_text("OUTPUT");
 }
 
 ExitCode ThumbnailCommand::run() const {
-    const auto fail = [](const std::string& text) { return printError(printable(text)), ExitCode::failure; };
-    const auto file = readableFile(m_file);
-    if (!file) return printError(file.error().text), file.error().code;
-    const auto output = resolved(m_output);
-    if (!output) return printError(output.error().text), output.error().code;
-    if (isSameFile(*file, *output)) return fail("A photo can't be replaced by its own thumbnail.");
-
-    const InterruptWatch interrupt;
-    const auto& stop = interrupt.token();
-    // Where no screen has been seen, the display's colours are sRGB.
-    const auto picture =
-        ImageDecoder::prepareForDisplay(ImageDecoder::decodeOriginal(*file, m_size, stop), stop);
-    if (stop.stop_requested()) return printError("Cancelled"), ExitCode::interrupted;
-    if (!picture) {
-        return fail(
-            fmt::format("Can't read {}. The file may be damaged or in an unsupported format.", file->name()));
-    }
-    const auto bytes = isPNG(*output) ? encodedPNG(*picture) : encodedJPEG(*picture);
-    if (!bytes) return fail("The thumbnail couldn't be encoded.");
-    if (const auto written = m_files.writeFileAtomically(*output, *bytes); !written) {
-        return fail(message(written.error()));
-    }
-    if (m_asJSON) {
-        JSON json;
-        setPath(json, "file", "fileURL", *file);
-        setPath(json, "output", "outputURL", *output);
-        json["width"] = picture->width();
-        json["height"] = picture->height();
-        printJSON(json);
-    }
-    return ExitCode::success;
+    return make(m_size, [](BitmapPtr picture, const std::stop_token&) { return picture; });
 }
 
 } // namespace kelvara::cli

@@ -1,14 +1,11 @@
 #pragma once
 
-#include "cli/Command.h"
-#include "platform/FileSystem.h"
-
-#include <string>
+#include "cli/PictureCommand.h"
 
 namespace kelvara::cli {
 
 /// `kelvara-cli thumbnail`: a small picture of a photo or video, as the grid shows it.
-class ThumbnailCommand : public Command {
+class ThumbnailCommand : public PictureCommand {
 public:
     /// Adds the subcommand to `app`; both outlive it.
     ThumbnailCommand(CLI::App& app, FileSystem& files);
@@ -16,10 +13,7 @@ public:
     ExitCode run() const override;
 
 private:
-    FileSystem& m_files;
-    std::string m_file;
     int m_size = 0;
-    std::string m_output;
 };
 
 } // namespace kelvara::cli

@@ -1,12 +1,15 @@
 #include "cli/CopyCommand.h"
+#include "cli/DeleteCommand.h"
 #include "cli/ListCommand.h"
 #include "cli/LookCommand.h"
 #include "cli/MetadataCommand.h"
 #include "cli/PresetCommand.h"
 #include "cli/RateCommand.h"
 #include "cli/RatingsCommand.h"
+#include "cli/RenderCommand.h"
 #include "cli/ThumbnailCommand.h"
 #include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/LinuxTrash.h"
 #ifdef KELVARA_CLI_VOLUMES
 #include "cli/EjectCommand.h"
 #include "cli/VolumesCommand.h"
@@ -20,20 +23,24 @@ using namespace kelvara;
 using namespace kelvara::cli;
 
 int main(int argc, char** argv) {
-    CLI::App app{"Lists, copies, rates and describes the photos of a memory card or folder, as Kelvara does.",
-                 "kelvara-cli"};
+    CLI::App app{
+        "Lists, copies, rates, describes and deletes the photos of a memory card or folder, as Kelvara does.",
+        "kelvara-cli"};
     app.set_version_flag("--version", "kelvara-cli " KELVARA_VERSION);
     app.require_subcommand(1);
     LinuxFileSystem files;
+    LinuxTrash trash;
     std::vector<std::unique_ptr<const Command>> commands;
     commands.push_back(std::make_unique<ListCommand>(app, files));
     commands.push_back(std::make_unique<CopyCommand>(app, files));
+    commands.push_back(std::make_unique<DeleteCommand>(app, files, trash));
     commands.push_back(std::make_unique<RateCommand>(app, files));
     commands.push_back(std::make_unique<RatingsCommand>(app, files));
     commands.push_back(std::make_unique<MetadataCommand>(app));
     commands.push_back(std::make_unique<ThumbnailCommand>(app, files));
     commands.push_back(std::make_unique<PresetCommand>(app));
     commands.push_back(std::make_unique<LookCommand>(app, files));
+    commands.push_back(std::make_unique<RenderCommand>(app, files));
 #ifdef KELVARA_CLI_VOLUMES
     commands.push_back(std::make_unique<VolumesCommand>(app));
     commands.push_back(std::make_unique<EjectCommand>(app));

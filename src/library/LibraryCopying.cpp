@@ -1,6 +1,7 @@
 // LibraryViewModel: copying the marked files.
 
 #include "async/NewestValue.h"
+#include "library/CopiedItems.h"
 #include "library/LibraryViewModel.h"
 #include "library/PreferenceKeys.h"
 #include "platform/AnalyticsClient.h"
@@ -58,7 +59,7 @@ void LibraryViewModel::chooseCopyDestination(std::function<void()> onChosen) {
 
 void LibraryViewModel::startCopy() {
     if (isCopying()) return;
-    if (m_checked.empty()) {
+    if (m_checked.empty() || isDeleting()) { // a file that goes can't be copied
         m_services.desktop.beep();
         return;
     }
@@ -85,7 +86,7 @@ CopyService::PlanRequest LibraryViewModel::copyRequest() const {
 
 void LibraryViewModel::runCopy() {
     // The folder chooser may have stayed open while a copy began or the marks went.
-    if (isCopying() || m_checked.empty()) return;
+    if (isCopying() || m_checked.empty() || isDeleting()) return;
     const Change change{*this};
     assign(Property::copyInterruption, m_copyInterruption, {});
     m_copyStop = std::stop_source{};
@@ -106,8 +107,10 @@ void LibraryViewModel::runCopy() {
                                            [this, alive = std::weak_ptr{m_lifetime}](const CopyState& state) {
                                                if (!alive.expired()) publishCopy(state);
                                            }};
-    m_services.background.post([&copier = m_services.copier, stop = m_copyStop.get_token(), published,
-                                request = std::move(request), starred = std::move(starred)] {
+    m_services.background.post([this, alive = std::weak_ptr{m_lifetime}, &copier = m_services.copier,
+                                &files = m_services.files, &main = m_services.main,
+                                stop = m_copyStop.get_token(), published, request = std::move(request),
+                                starred = std::move(starred)] {
         const auto plans = copier.plan(request, stop);
         if (!plans) {
             // Stopped before the first file is stopped all the same.
@@ -115,8 +118,12 @@ void LibraryViewModel::runCopy() {
                                                  : CopyFailed{message(plans.error())});
             return;
         }
-        published.send(copier.copy(*plans, request.destination, starred, stop,
-                                   [&](const CopyService::Progress& progress) { published.send(progress); }));
+        auto report = copier.copy(*plans, request.destination, starred, stop,
+                                  [&](const CopyService::Progress& progress) { published.send(progress); });
+        main.post([this, alive, source = request.source, copied = copiedItems(files, request.items, *plans)] {
+            if (!alive.expired() && source == m_sourceURL) noteCopied(copied);
+        });
+        published.send(std::move(report));
     });
 }
 

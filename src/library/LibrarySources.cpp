@@ -20,6 +20,7 @@ void LibraryViewModel::setSourceURL(const FileURL& source) {
     assign(Property::sourceURL, m_sourceURL, source);
     assign(Property::searchText, m_searchText, {});
     m_sourceRestore.cancel();
+    m_copiedItems.clear();
     if (source.isEmpty()) {
         m_services.preferences.remove(PreferenceKeys::lastSource);
     } else {
@@ -121,6 +122,7 @@ void LibraryViewModel::handleVolumeChange(const VolumeChange& change) {
     const Change together{*this};
     if (change.didUnmount) {
         interruptCopy(change.url);
+        stopDeletion(change.url);
         const bool heldSource = !m_sourceURL.isEmpty() && m_sourceURL.isContained(change.url);
         if (heldSource) setSourceURL({});
     }

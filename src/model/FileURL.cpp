@@ -1,9 +1,16 @@
 #include "model/FileURL.h"
 
+#include "text/PercentEncoding.h"
+
+#include <charconv>
 #include <utility>
 #include <vector>
 
 namespace kelvara {
+
+namespace {
+constexpr std::string_view uriScheme = "file://";
+} // namespace
 
 FileURL::FileURL(std::string path) : m_path{std::move(path)}, m_hash{std::hash<std::string_view>{}(m_path)} {
     const auto slash = m_path.rfind('/');
@@ -50,6 +57,30 @@ FileURL FileURL::withExtension(std::string_view extension) const {
 
 FileURL FileURL::appendingExtension(std::string_view extension) const {
     return FileURL{m_path + '.' + std::string{extension}};
+}
+
+std::string FileURL::uri() const { return std::string{uriScheme} + percentEncoded(m_path); }
+
+std::optional<FileURL> FileURL::fromURI(std::string_view uri) {
+    if (!uri.starts_with(uriScheme)) return std::nullopt;
+    uri.remove_prefix(uriScheme.size());
+    if (!uri.starts_with('/')) return std::nullopt;
+    std::string path;
+    while (!uri.empty()) {
+        if (uri.front() == '%') {
+            unsigned byte = 0;
+            const auto digits = uri.substr(1, 2);
+            const auto* end = digits.data() + digits.size();
+            const auto parsed = std::from_chars(digits.data(), end, byte, 16);
+            if (digits.size() != 2 || parsed.ptr != end || byte == 0) return std::nullopt;
+            path += static_cast<char>(byte);
+            uri.remove_prefix(3);
+        } else {
+            path += uri.front();
+            uri.remove_prefix(1);
+        }
+    }
+    return FileURL{std::move(path)};
 }
 
 FileURL FileURL::standardized(std::string_view path, std::string_view workingFolder) {

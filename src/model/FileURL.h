@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -43,6 +44,11 @@ public:
     /// followed). Relative paths are taken from `workingFolder`.
     [[nodiscard]] static FileURL standardized(std::string_view path, std::string_view workingFolder = "/");
     [[nodiscard]] FileURL standardized() const { return standardized(m_path); }
+
+    /// "file:///card/caf%E9.jpg": names the file exactly, in plain ASCII, whatever bytes its path is made of.
+    [[nodiscard]] std::string uri() const;
+    /// Empty for anything but the "file:" URI of an absolute path.
+    [[nodiscard]] static std::optional<FileURL> fromURI(std::string_view uri);
 
     /// Whether it is `folder` itself or lies below it, by whole path components; both standardized first.
     [[nodiscard]] bool isContained(const FileURL& folder) const;

@@ -4,6 +4,7 @@
 #include "model/Result.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -44,6 +45,32 @@ public:
     virtual void described(std::string_view folder, std::string_view name, const FileStatus& status) = 0;
 };
 
+/// A copy that is written, but not yet under its name. Its temporary file is nobody else's, and is erased
+/// with this object unless it was placed. Errors name the temporary file.
+class PendingCopy {
+public:
+    virtual ~PendingCopy() = default;
+
+    /// Bytes in the copy now.
+    [[nodiscard]] virtual Result<std::int64_t, FileError> size() const = 0;
+
+    /// Waits until the bytes and attributes are on the medium.
+    virtual Result<void, FileError> sync() = 0;
+
+    /// Reads the copy back from the medium, after `sync`, and tells whether it is what was read of the
+    /// original. For copies made with `CopyReading::hashed` only.
+    [[nodiscard]] virtual Result<bool, FileError> isIntact() const = 0;
+
+    /// Gives the copy its name, in the folder that it is in; fails with `file_exists` rather than replace
+    /// anything. The name is on the medium once `FileSystem::syncNames` has returned.
+    virtual Result<void, FileError> place(const FileURL& destination) = 0;
+};
+
+enum class CopyReading {
+    none,   ///< The file system may copy without anybody seeing the bytes.
+    hashed, ///< Every byte is read once and hashed, so that the copy can be compared later.
+};
+
 /// Files and folders. Every call blocks, so none of them belongs on the main thread; all may be called from
 /// several threads at once. Links are never followed, except the ones on the way to a folder, and a link
 /// that `readFile` or `writeFileAtomically` is given stands for the file it leads to and stays a link.
@@ -69,12 +96,22 @@ public:
     /// Creates `folder` and what is missing above it; an existing folder is no error.
     virtual Result<void, FileError> createFolders(const FileURL& folder) = 0;
 
-    /// Copies a file's bytes, modification time, permissions and extended attributes to `to`, which must not
-    /// exist, and makes them durable. Attributes that the volume of `to` can't hold are left out. A failed or
-    /// cancelled copy may leave `to` behind. Fails with `operation_canceled` soon after `stop` is requested.
-    /// The error names the file it came from: `from` could not be read, or `to` not be written.
-    virtual Result<void, FileError> copyFile(const FileURL& from, const FileURL& to,
-                                             std::stop_token stop) = 0;
+    /// Copies a file's bytes, modification time, permissions and extended attributes to the file `temporary`.
+    /// Attributes that its volume can't hold are left out. What a copy that was cut off left there is
+    /// replaced; where another copy is being written there, by any process, it fails with
+    /// `device_or_resource_busy`, and where something else is, with `file_exists`. Fails with
+    /// `operation_canceled` soon after `stop` is requested. A failure leaves nothing behind and names the
+    /// file that it came from: `from` could not be read, or `temporary` not be written.
+    virtual Result<std::unique_ptr<PendingCopy>, FileError>
+    copyFile(const FileURL& from, const FileURL& temporary, CopyReading reading, std::stop_token stop) = 0;
+
+    /// Whether two files hold the same bytes; `onMedium` is read past the cache. Fails with
+    /// `operation_canceled` soon after `stop` is requested.
+    [[nodiscard]] virtual Result<bool, FileError>
+    haveSameContents(const FileURL& file, const FileURL& onMedium, std::stop_token stop) const = 0;
+
+    /// Waits until the names in `folder` are on the medium, as far as its file system knows how.
+    virtual Result<void, FileError> syncNames(const FileURL& folder) = 0;
 
     /// Renames within one volume, durably; fails with `file_exists` rather than replace anything.
     virtual Result<void, FileError> moveFile(const FileURL& from, const FileURL& to) = 0;

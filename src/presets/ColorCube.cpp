@@ -1,6 +1,9 @@
 #include "presets/ColorCube.h"
 
+#include "imaging/RowSlices.h"
+
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace kelvara {
@@ -26,22 +29,53 @@ bool leavesColors(const std::vector<float>& values) {
     return true;
 }
 
+/// A look at the cube's points. What it does to each channel alone, which takes most of the time, is done
+/// once for each step.
+class LookAtPoints {
+public:
+    /// `look` outlives it.
+    explicit LookAtPoints(const PresetLook& look) : m_look{look} {
+        for (std::size_t i = 0; i < ColorCube::points; ++i) {
+            const double x = static_cast<double>(i) / last;
+            m_curves[i] = look.curves({x, x, x});
+        }
+    }
+    [[nodiscard]] RGB operator()(std::size_t i) const {
+        if (m_look.isMonochrome) return m_look.apply(gridColor(i));
+        constexpr auto points = ColorCube::points;
+        return m_look.colors(
+            {m_curves[i % points][0], m_curves[i / points % points][1], m_curves[i / points / points][2]});
+    }
+
+private:
+    const PresetLook& m_look;
+    std::array<RGB, ColorCube::points> m_curves;
+};
+
 std::vector<float> sampled(const DevelopPreset& preset) {
     const double strength = std::clamp(preset.amount, 0.0, 1.0);
+    const bool isEdited = !preset.adjustments.isIdentity;
+    const LookAtPoints look{strength > 0 ? preset.look : preset.adjustments};
     std::vector<float> values(ColorCube::entries * 4);
-    for (std::size_t i = 0; i < ColorCube::entries; ++i) {
-        const auto in = gridColor(i);
-        auto out = in;
+    const auto sample = [&](std::size_t i) {
+        auto out = look(i);
         if (strength > 0) {
-            out = preset.look.apply(in);
-            if (strength < 1) {
-                for (std::size_t c = 0; c < 3; ++c) out[c] = in[c] + (out[c] - in[c]) * strength;
-            }
+            const auto in = gridColor(i);
+            for (std::size_t c = 0; c < 3 && strength < 1; ++c) out[c] = in[c] + (out[c] - in[c]) * strength;
+            if (isEdited) out = preset.adjustments.apply(out);
         }
-        if (!preset.adjustments.isIdentity) out = preset.adjustments.apply(out);
         for (std::size_t c = 0; c < 3; ++c) values[i * 4 + c] = static_cast<float>(out[2 - c]);
         values[i * 4 + 3] = 1;
-    }
+    };
+    constexpr auto planes = static_cast<int>(ColorCube::points);
+    constexpr auto planeEntries = ColorCube::points * ColorCube::points;
+    forRowSlices(
+        planes, ColorCube::entries,
+        [&](int begin, int end) {
+            const auto first = static_cast<std::size_t>(begin) * planeEntries;
+            for (auto i = first; i < static_cast<std::size_t>(end) * planeEntries; ++i) sample(i);
+        },
+        ColorCube::entries / 4);
     return values;
 }
 

@@ -39,7 +39,7 @@ void findPlaces(const float* pixels, std::size_t count, Places& places) {
     const hn::ScalableTag<float> d;
     const hn::RebindToSigned<decltype(d)> di;
     for (std::size_t i = 0; i < count; i += hn::Lanes(d)) {
-        auto blue = hn::Undefined(d), green = blue, red = blue, fourth = blue;
+        auto blue = hn::Zero(d), green = blue, red = blue, fourth = blue;
         hn::LoadInterleaved4(d, pixels + i * 4, blue, green, red, fourth);
         blue = hn::Mul(entryBelow(d, blue, places.blue + i), hn::Set(d, float{planeFloats}));
         green = hn::Mul(entryBelow(d, green, places.green + i), hn::Set(d, float{rowFloats}));

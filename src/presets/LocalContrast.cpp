@@ -38,7 +38,7 @@ template <typename Sample> void addSamples(const Sample* from, float times, floa
     const hn::ScalableTag<float> d;
     std::size_t i = 0;
     for (; i + hn::Lanes(d) <= count; i += hn::Lanes(d)) {
-        auto values = hn::Undefined(d);
+        auto values = hn::Zero(d);
         if constexpr (std::is_same_v<Sample, float>) {
             values = hn::LoadU(d, from + i);
         } else {
@@ -158,7 +158,7 @@ namespace {
 using Picture = std::unique_ptr<ReducedPicture>;
 
 /// Pixels of a reduced copy that are worth a thread of their own.
-constexpr std::int64_t fewestPixels = 1 << 14;
+constexpr std::int64_t fewestPixels = 1 << 15;
 
 void addRow(const Bitmap& from, std::size_t y, float times, std::vector<float>& sums) {
     const auto row = static_cast<int>(y);

@@ -47,7 +47,7 @@ template <typename Sample> void packSamples(const float* from, const float* fact
     const auto lanes = hn::Lanes(d);
     HWY_ALIGN std::uint32_t words[2 * hn::MaxLanes(d)];
     for (std::size_t i = 0; i < count; i += lanes) {
-        auto blue = hn::Undefined(d), green = blue, red = blue, fourth = blue;
+        auto blue = hn::Zero(d), green = blue, red = blue, fourth = blue;
         hn::LoadInterleaved4(d, from + i * 4, blue, green, red, fourth);
         const Factors<decltype(d)> by{hn::LoadU(d, factors + i), hn::LoadU(d, summands + i)};
         const auto b = by.rounded(d, blue, most), g = by.rounded(d, green, most),

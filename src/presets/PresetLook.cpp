@@ -388,7 +388,9 @@ PresetLook::PresetLook(const PresetSettings& settings) {
     isIdentity = clarity == 0 && texture == 0 && !vignette && !grain && changesNoColor(*this);
 }
 
-RGB PresetLook::apply(RGB color) const {
+RGB PresetLook::apply(RGB color) const { return colors(curves(color)); }
+
+RGB PresetLook::curves(RGB color) const {
     if (!isNeutral(linearGain)) color = gained(color, linearGain);
     if (isMonochrome) color.fill(gray(color, grayMix));
     for (auto& c : color) {
@@ -398,7 +400,10 @@ RGB PresetLook::apply(RGB color) const {
     if (red) color[0] = (*red)(color[0]);
     if (green) color[1] = (*green)(color[1]);
     if (blue) color[2] = (*blue)(color[2]);
-    color = clamped(color);
+    return clamped(color);
+}
+
+RGB PresetLook::colors(RGB color) const {
     if (!isMonochrome) {
         if (hasHSL) color = adjustHSL(*this, color);
         if (saturation != 1 || vibrance != 0) color = adjustSaturation(*this, color);

@@ -93,7 +93,13 @@ struct PresetLook {
     PresetLook() = default;
     explicit PresetLook(const PresetSettings& settings);
 
+    /// `colors` of `curves`.
     [[nodiscard]] RGB apply(RGB color) const;
+    /// White balance, exposure, tone and curves. Unless the look is monochrome each channel of the result is
+    /// made of its own alone.
+    [[nodiscard]] RGB curves(RGB color) const;
+    /// What mixes channels: hues, saturation and grades.
+    [[nodiscard]] RGB colors(RGB color) const;
 };
 
 } // namespace kelvara

@@ -54,7 +54,7 @@ void convert(const Conversion& by, float* pixels, float* beyond, float share, st
     const hn::ScalableTag<float> d;
     using V = hn::VFromD<decltype(d)>;
     for (std::size_t i = 0; i < count; i += hn::Lanes(d)) {
-        V blue = hn::Undefined(d), green = blue, red = blue, fourth = blue;
+        V blue = hn::Zero(d), green = blue, red = blue, fourth = blue;
         hn::LoadInterleaved4(d, pixels + i * 4, blue, green, red, fourth);
         blue = lookedUp(d, by.light[0], clamped(d, blue));
         green = lookedUp(d, by.light[1], clamped(d, green));

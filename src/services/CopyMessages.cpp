@@ -31,6 +31,9 @@ std::string message(const CopyService::CopyError& error) {
             [](const CopyService::SizeMismatch&) {
                 return localized("The copy's size doesn't match the original.");
             },
+            [](const CopyService::ContentsMismatch&) {
+                return localized("The copy's contents don't match the original.");
+            },
             [](const CopyService::Cancelled&) { return localized("Cancelled"); },
             [](const FileError& file) { return message(file); },
         },
@@ -46,6 +49,9 @@ std::string failureReason(const CopyService::CopyError& error, const CopyService
     }
     if (file->code == std::errc::file_exists) {
         return localized("Another file of this name appeared at the destination.");
+    }
+    if (file->code == std::errc::device_or_resource_busy && file->url != plan.source) {
+        return localized("Another copy of this file is being written at the destination.");
     }
     // The report names the file; the error may name a temporary one that means nothing to the user.
     return localized(file->code.message());

@@ -45,18 +45,25 @@ FileURL temporaryURL(const FileURL& destination) {
     return destination.parent().child(std::string{start} + ending);
 }
 
+bool DestinationNames::isEarlierCopy(const FileURL& candidate, const FileStatus& status,
+                                     const PhotoItem& item) const {
+    if (status.kind != FileStatus::Kind::file || status.size != item.fileSize) return false;
+    if (!m_verifies) return true;
+    const auto isSame = m_files.haveSameContents(item.url, candidate, m_stop);
+    return isSame ? *isSame : isSame.error().wasCancelled(); // cancelled: an end to looking further
+}
+
 DestinationNames::Found DestinationNames::resolve(const PhotoItem& item, const FileURL& folder) {
     for (unsigned number = 0;; ++number) {
         auto candidate = folder.child(numberedName(item.url, number));
         auto key = caseFolded(candidate.path());
         if (m_reserved.contains(key)) continue;
 
-        CopyService::Plan::Action action = CopyService::Plan::Copy{};
+        CopyService::Plan::Action action = CopyService::Plan::Copy{m_verifies};
         // A place that can't be looked at counts as free: the copy's own error then says what is wrong with
         // it, and nothing is ever replaced.
         if (const auto existing = m_files.status(candidate)) {
-            const bool isSame = existing->kind == FileStatus::Kind::file && existing->size == item.fileSize;
-            if (!isSame) continue;
+            if (!isEarlierCopy(candidate, *existing, item)) continue;
             action = CopyService::Plan::SkipExisting{};
         }
         m_reserved.insert(std::move(key));

@@ -31,14 +31,22 @@ public:
         CopyService::Plan::Action action;
     };
 
-    explicit DestinationNames(const FileSystem& files) : m_files{files} {}
+    /// With `verifies`, files count as the same only where their contents are. Once `stop` is requested, what
+    /// is found means nothing.
+    DestinationNames(const FileSystem& files, bool verifies, const std::stop_token& stop)
+        : m_files{files}, m_verifies{verifies}, m_stop{stop} {}
 
     /// The first numbered name in `folder` that is free, or that a file of the same size bears, which is
     /// taken for an earlier copy of the item.
     [[nodiscard]] Found resolve(const PhotoItem& item, const FileURL& folder);
 
 private:
+    [[nodiscard]] bool isEarlierCopy(const FileURL& candidate, const FileStatus& status,
+                                     const PhotoItem& item) const;
+
     const FileSystem& m_files;
+    bool m_verifies;
+    const std::stop_token& m_stop;
     std::unordered_set<std::string> m_reserved; // paths without case
 };
 

@@ -1,23 +1,9 @@
 #include "services/CopyNames.h"
 #include "services/CopyService.h"
 
-#include <limits>
-
 namespace kelvara {
 
 namespace {
-
-using Plan = CopyService::Plan;
-
-/// Bytes that the plans will write; sizes that no file system can hold count as the most there is.
-std::int64_t neededBytes(const std::vector<Plan>& plans) {
-    std::int64_t sum = 0;
-    for (const auto& plan : plans) {
-        if (std::holds_alternative<Plan::SkipExisting>(plan.action)) continue;
-        if (__builtin_add_overflow(sum, plan.size, &sum)) return std::numeric_limits<std::int64_t>::max();
-    }
-    return sum;
-}
 
 /// The folders that the files of one job go into, each created when it is first needed.
 class TargetFolders {
@@ -61,8 +47,8 @@ Result<FileURL, FileError> existingFolder(const FileSystem& files, const FileURL
 
 } // namespace
 
-Result<std::vector<Plan>, CopyService::CopyError> CopyService::plan(const PlanRequest& request,
-                                                                    const std::stop_token& stop) const {
+Result<std::vector<CopyService::Plan>, CopyService::CopyError>
+CopyService::plan(const PlanRequest& request, const std::stop_token& stop) const {
     if (request.source && request.destination.isContained(*request.source)) {
         return Failure{CopyError{DestinationInsideSource{}}};
     }
@@ -73,13 +59,13 @@ Result<std::vector<Plan>, CopyService::CopyError> CopyService::plan(const PlanRe
     std::vector<Plan> plans;
     plans.reserve(request.items.size());
     TargetFolders folders{m_files, request};
-    DestinationNames names{m_files};
+    DestinationNames names{m_files, request.verifies, stop};
     for (const auto& item : request.items) {
-        if (stop.stop_requested()) return Failure{CopyError{Cancelled{}}};
         const auto target = folders.folder(item);
         if (!target) return Failure{CopyError{target.error()}};
 
         auto found = names.resolve(item, *target);
+        if (stop.stop_requested()) return Failure{CopyError{Cancelled{}}};
         auto& plan = plans.emplace_back(Plan{
             item.url, std::move(found.url), item.fileSize, found.action, item.kind() == MediaKind::raw, {}});
         auto sidecar = item.url.stemKey();
@@ -87,7 +73,10 @@ Result<std::vector<Plan>, CopyService::CopyError> CopyService::plan(const PlanRe
         if (status && status->kind == FileStatus::Kind::file) plan.sourceSidecar = std::move(sidecar);
     }
 
-    const auto needed = neededBytes(plans);
+    std::int64_t needed = 0;
+    for (const auto& plan : plans) {
+        if (std::holds_alternative<Plan::Copy>(plan.action)) needed = saturatingSum(needed, plan.size);
+    }
     const auto available = m_files.availableCapacity(*folder);
     if (available && *available < needed) return Failure{CopyError{NotEnoughSpace{needed, *available}}};
     return plans;

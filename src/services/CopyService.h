@@ -32,15 +32,17 @@ public:
             source; ///< The folder or card that the items come from; may not be copied into.
         bool intoDateFolders = false; ///< A folder a day, "2024-03-07", below the destination.
         bool createsFolders = true;   ///< Off for a plan that is only looked at.
-        bool verifies = false; ///< Read each copy back and compare it with what was read of the source.
+        bool verifies = false; ///< Read each copy back and compare it with what was read of the source;
+                               ///< compare files that are there already with the items too.
     };
 
     /// One planned file.
     struct Plan {
         struct Copy {
+            bool isVerified = false; ///< Read back and compared before it takes its name.
             friend bool operator==(const Copy&, const Copy&) = default;
         };
-        /// A file of this name and size is there already.
+        /// A file of this name and size is there already; with verification, of these contents too.
         struct SkipExisting {
             friend bool operator==(const SkipExisting&, const SkipExisting&) = default;
         };
@@ -67,11 +69,14 @@ public:
     struct SizeMismatch {
         friend bool operator==(const SizeMismatch&, const SizeMismatch&) = default;
     };
+    struct ContentsMismatch {
+        friend bool operator==(const ContentsMismatch&, const ContentsMismatch&) = default;
+    };
     struct Cancelled {
         friend bool operator==(const Cancelled&, const Cancelled&) = default;
     };
-    using CopyError =
-        std::variant<NotEnoughSpace, DestinationInsideSource, SizeMismatch, Cancelled, FileError>;
+    using CopyError = std::variant<NotEnoughSpace, DestinationInsideSource, SizeMismatch, ContentsMismatch,
+                                   Cancelled, FileError>;
 
     struct Progress {
         std::int64_t completedFiles = 0; ///< Whatever became of them.
@@ -122,9 +127,10 @@ public:
     [[nodiscard]] Result<std::vector<Plan>, CopyError> plan(const PlanRequest& request,
                                                             const std::stop_token& stop = {}) const;
 
-    /// Carries the plans out, a few at a time. Never fails as a whole: a file's problem becomes an entry of
-    /// the report. Once `stop` is requested no file is begun, and those in progress are finished.
-    /// `onProgress` is called on the calling thread: once before the first file, then after each file.
+    /// Carries the plans out, a few at a time; files that are reported as copied outlast a power cut. Never
+    /// fails as a whole: a file's problem becomes an entry of the report. Once `stop` is requested no file is
+    /// begun, and those in progress are finished. `onProgress` is called on the calling thread: once before
+    /// the first file, then after each file.
     Report copy(const std::vector<Plan>& plans, const FileURL& destination, const Ratings& ratings,
                 const std::stop_token& stop, const ProgressHandler& onProgress) const;
 
@@ -137,12 +143,15 @@ private:
     };
     struct Skipped {};
     using Outcome = std::variant<Copied, Failed, Skipped>;
+    struct Finished {
+        const Plan& plan;
+        Outcome outcome;
+    };
+    class Batch;
     class Run;
 
-    Outcome perform(const Plan& plan, std::optional<Rating> rating) const;
-    Result<void, CopyError> copyIntoPlace(const Plan& plan) const;
-    /// Fails with the reason as a sentence.
-    Result<void, std::string> copySidecar(const Plan& plan, std::optional<Rating> rating) const;
+    /// Adds sizes, none of which can be trusted to make sense.
+    static std::int64_t saturatingSum(std::int64_t a, std::int64_t b);
 
     FileSystem& m_files;
     SidecarWriter m_writeSidecar;

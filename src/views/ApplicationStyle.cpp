@@ -72,6 +72,8 @@ QHash<QString, QColor> tokens(const Theme& theme) {
         {QStringLiteral("border"), theme.border},
         {QStringLiteral("accentFill"), theme.accentFill},
         {QStringLiteral("accentHover"), theme.accentHover},
+        {QStringLiteral("dangerFill"), theme.dangerFill},
+        {QStringLiteral("dangerHover"), theme.dangerHover},
         {QStringLiteral("onAccent"), theme.onAccent},
         {QStringLiteral("focusRing"), theme.focusRing},
         {QStringLiteral("hover"), withAlpha(theme.text, dark ? 0x18 : 0x12)},

@@ -4,6 +4,7 @@
 #include "views/RootView.h"
 #include "views/Sheet.h"
 
+#include <QGuiApplication>
 #include <QPushButton>
 
 namespace kelvara {
@@ -12,11 +13,18 @@ ClosingSheet::ClosingSheet(LibraryViewModel& library, Sheet& sheet, RootView& wi
     : QObject{&window}, m_library{library}, m_sheet{sheet}, m_window{window} {
     m_subscription =
         library.observe({LibraryProperty::copyState}, [this](const auto&) { copyMayHaveEnded(); });
+    // A session that ends closes the window a moment later, and doesn't wait for an answer.
+    connect(
+        qApp, &QGuiApplication::commitDataRequest, this, [this] { m_asks = false; }, Qt::DirectConnection);
 }
 
 bool ClosingSheet::canClose() {
     if (!m_library.isCopying()) return true;
-    if (!m_isClosing && !m_sheet.isVisible()) ask();
+    if (!m_asks) {
+        closeSoon();
+    } else if (!m_isClosing && !m_sheet.isVisible()) {
+        ask();
+    }
     return false;
 }
 

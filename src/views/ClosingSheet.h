@@ -31,6 +31,7 @@ private:
     LibraryViewModel& m_library;
     Sheet& m_sheet;
     RootView& m_window;
+    bool m_asks = true;
     bool m_isClosing = false;
     Subscription m_subscription;
 };

@@ -61,7 +61,9 @@ CommandState commandState(const WindowCommand& command, const LibraryViewModel& 
     case Kind::rate:
         return ratingState(command.stars, library);
     case Kind::copyMarked:
-        return {tr("Copy Marked Files"), hasMarks && !isCopying};
+        return {tr("Copy Marked Files"), hasMarks && !isCopying && !library.isDeleting()};
+    case Kind::deletePhotos:
+        return {tr("Delete…"), hasFocus && !library.isDeleting()};
     case Kind::clearMarks:
         return {tr("Clear Marks"), hasMarks};
     case Kind::showInFileManager:
@@ -107,8 +109,6 @@ CommandState commandState(const WindowCommand& command, const LibraryViewModel& 
         return {tr("Copy Edits"), false};
     case Kind::pasteEdits:
         return {pasteTitle(library), false};
-    case Kind::deletePhotos:
-        return {tr("Delete…"), false};
     case Kind::share:
         return {tr("Share…"), false};
 

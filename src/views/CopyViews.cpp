@@ -2,7 +2,7 @@
 
 #include "views/CopyFailureList.h"
 #include "views/CopyTexts.h"
-#include "views/SelectableText.h"
+#include "views/SheetParts.h"
 #include "views/Symbols.h"
 #include "views/Text.h"
 
@@ -14,50 +14,11 @@
 
 namespace kelvara {
 
+using namespace SheetParts;
+
 namespace {
 
-constexpr int sheetWidth = 420;
 constexpr int barSteps = 10'000;
-
-QVBoxLayout* makeColumn(QWidget* owner) {
-    owner->setFixedWidth(sheetWidth); // whatever the names are
-    auto* column = new QVBoxLayout{owner};
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    return column;
-}
-
-QPushButton* makeButton(const QString& title, QWidget* parent) {
-    auto* button = new QPushButton{title, parent};
-    button->setMinimumWidth(84);
-    button->setFocusPolicy(Qt::TabFocus);
-    return button;
-}
-
-QLabel* makeSymbolLabel(QStringView name, int side, const QColor& color, QWidget* parent) {
-    auto* label = new QLabel{parent};
-    label->setPixmap(symbol(name, side, color, parent->devicePixelRatioF()));
-    return label;
-}
-
-/// A heading with a large symbol before it.
-QHBoxLayout* makeHeading(QStringView symbolName, const QColor& color, const QString& title, QWidget* parent) {
-    auto* row = new QHBoxLayout;
-    row->setSpacing(spacing::medium);
-    row->addWidget(makeSymbolLabel(symbolName, 28, color, parent));
-    row->addWidget(makeLabel(TextRole::title, Tone::normal, parent, title), 1);
-    parent->setAccessibleName(title);
-    return row;
-}
-
-QWidget* makeParagraph(const QString& text, QWidget* parent) {
-    auto* paragraph = new SelectableText{parent}; // breaks paths, which a label cuts
-    paragraph->setFont(kelvara::font(TextRole::body));
-    paragraph->setAccessibleName(text);
-    paragraph->setFixedWidth(sheetWidth);
-    paragraph->showText(text);
-    return paragraph;
-}
 
 struct SymbolLook {
     QStringView symbolName;
@@ -173,7 +134,6 @@ CopyReportView::CopyReportView(const CopyService::Report& report, const LibraryV
     column->addSpacing(spacing::huge);
 
     m_show = makeButton(tr("Show in Finder"), this);
-    m_done = makeButton(tr("Done"), this);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(spacing::small);
     buttons->addWidget(m_show);
@@ -183,6 +143,7 @@ CopyReportView::CopyReportView(const CopyService::Report& report, const LibraryV
         m_clear->setToolTip(tr("Unmark the copied photos"));
         buttons->addWidget(m_clear);
     }
+    m_done = makeButton(tr("Done"), this); // last, as Tab goes
     buttons->addWidget(m_done);
     column->addLayout(buttons);
 }

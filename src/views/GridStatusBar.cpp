@@ -43,8 +43,9 @@ GridStatusBar::GridStatusBar(LibraryViewModel& library, QWidget* parent)
     row->addWidget(m_focused);
 
     using P = LibraryProperty;
-    m_subscription = m_library.observe({P::items, P::visibleItems, P::checkedIDs, P::focusedID},
-                                       [this](const auto&) { refresh(); });
+    m_subscription =
+        m_library.observe({P::items, P::visibleItems, P::checkedIDs, P::focusedID, P::deletingCount},
+                          [this](const auto&) { refresh(); });
     refresh();
 }
 
@@ -69,7 +70,10 @@ void GridStatusBar::makeRoom() {
 void GridStatusBar::refresh() {
     const auto total = static_cast<std::int64_t>(m_library.items().size());
     const auto shown = static_cast<std::int64_t>(m_library.visibleItems().size());
-    m_shown->setText(total == 0 ? QString{} : tr("%1 of %2 files").arg(countText(shown), countText(total)));
+    const auto going = static_cast<std::int64_t>(m_library.deletingCount());
+    m_shown->setText(total == 0  ? QString{}
+                     : going > 0 ? tr("Deleting %1 of %2 files…").arg(countText(going), countText(total))
+                                 : tr("%1 of %2 files").arg(countText(shown), countText(total)));
 
     const auto marked = static_cast<std::int64_t>(m_library.checkedIDs().size());
     m_marked->setVisible(marked > 0);

@@ -16,6 +16,7 @@ class FilterBar;
 class GridStatusBar;
 class LibraryToolbar;
 class Preferences;
+class ThumbnailService;
 
 /// The two ways to look at photos, made by whoever has the image services. The window owns the widgets.
 struct PhotoCanvases {
@@ -26,6 +27,7 @@ struct PhotoCanvases {
     std::function<bool()> isLoupeLoading;
     Inspector::Contents inspector{};
     std::function<bool()> isInspectorLoading = [] { return false; };
+    ThumbnailService* thumbnails = nullptr; ///< For previews in sheets, which do without them.
 };
 
 /// Everything beside the sidebar: bars, between them the grid, the single image, or why there is neither, and

@@ -14,8 +14,8 @@ MainMenu::MainMenu(LibraryViewModel& library, QWidget* window) : QMenuBar{window
     addViewMenu();
     using P = LibraryProperty;
     m_subscription = m_library.observe({P::volumes, P::sourceURL, P::items, P::visibleItems, P::focusedID,
-                                        P::checkedIDs, P::ratings, P::copyState, P::ejectingVolumeID,
-                                        P::viewMode, P::showsInspector, P::inspectorTab},
+                                        P::checkedIDs, P::ratings, P::copyState, P::deletingCount,
+                                        P::ejectingVolumeID, P::viewMode, P::showsInspector, P::inspectorTab},
                                        [this](const auto&) { refresh(); });
     refresh();
 }

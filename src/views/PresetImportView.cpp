@@ -1,7 +1,7 @@
 #include "views/PresetImportView.h"
 
-#include "views/Controls.h"
-#include "views/Symbols.h"
+#include "views/SelectableText.h"
+#include "views/SheetParts.h"
 #include "views/Text.h"
 
 #include <QBoxLayout>
@@ -14,7 +14,6 @@ namespace kelvara {
 
 namespace {
 
-constexpr int sheetWidth = 400;
 constexpr int listHeight = 168;
 
 QString tr(const char* text) { return PresetImportView::tr(text); }
@@ -79,31 +78,15 @@ PresetImportTexts presetImportTexts(const PresetImportReport& report, const QStr
 
 PresetImportView::PresetImportView(const PresetImportReport& report, const QString& error, QWidget* parent)
     : QWidget{parent} {
-    setMinimumWidth(sheetWidth);
     const auto& theme = Theme::current();
     const auto texts = presetImportTexts(report, error);
-    setAccessibleName(texts.title);
-    auto* sign = new QLabel{this};
-    sign->setPixmap(symbol(texts.wentWell ? u"checkmark.circle.fill" : u"exclamationmark.triangle.fill", 28,
-                           texts.wentWell ? theme.mark : theme.warning, devicePixelRatioF()));
-    auto* heading = new QHBoxLayout;
-    heading->setSpacing(spacing::medium);
-    heading->addWidget(sign);
-    heading->addWidget(makeLabel(TextRole::title, Tone::normal, this, texts.title), 1);
-    m_done = new QPushButton{tr("Done"), this};
-    m_done->setMinimumWidth(84);
-    m_done->setFocusPolicy(Qt::TabFocus);
-
-    auto* column = new QVBoxLayout{this};
-    column->setContentsMargins({});
+    m_done = SheetParts::makeButton(tr("Done"), this);
+    auto* column = SheetParts::makeColumn(this);
     column->setSpacing(spacing::medium);
-    column->addLayout(heading);
-    if (!texts.note.isEmpty()) {
-        auto* note = makeLabel(TextRole::body, Tone::quiet, this, texts.note);
-        note->setWordWrap(true);
-        note->setMinimumWidth(sheetWidth);
-        column->addWidget(note);
-    }
+    column->addLayout(
+        SheetParts::makeHeading(texts.wentWell ? u"checkmark.circle.fill" : u"exclamationmark.triangle.fill",
+                                texts.wentWell ? theme.mark : theme.warning, texts.title, this));
+    if (!texts.note.isEmpty()) column->addWidget(SheetParts::makeParagraph(texts.note, this));
     if (!report.problems.empty()) column->addWidget(makeProblemList(report.problems, this));
     column->addSpacing(spacing::small);
     column->addWidget(m_done, 0, Qt::AlignRight);

@@ -4,6 +4,7 @@
 #include "platform/Preferences.h"
 #include "views/ClosingSheet.h"
 #include "views/CopySheet.h"
+#include "views/DeleteSheet.h"
 #include "views/DropFrame.h"
 #include "views/EmptyState.h"
 #include "views/MainMenu.h"
@@ -48,7 +49,7 @@ RootView::RootView(LibraryViewModel& library, PresetStore& presets, Preferences&
                    Desktop& desktop, SideWindows& sideWindows, PhotoCanvases canvases,
                    std::function<void(const FileURL&)> onDrop)
     : m_library{library}, m_presets{presets}, m_preferences{preferences}, m_desktop{desktop},
-      m_sideWindows{sideWindows}, m_onDrop{std::move(onDrop)} {
+      m_sideWindows{sideWindows}, m_onDrop{std::move(onDrop)}, m_thumbnails{canvases.thumbnails} {
     setMinimumSize(smallestSize);
     setAcceptDrops(true);
     m_menu = new MainMenu{library, this};
@@ -73,6 +74,7 @@ RootView::RootView(LibraryViewModel& library, PresetStore& presets, Preferences&
 
     m_dropFrame = new DropFrame{this};
     m_copySheetFrame = new Sheet{this};
+    m_deleteSheetFrame = new Sheet{this};
     m_alertFrame = new Sheet{this};
     m_closingFrame = new Sheet{this};
     m_presetFrame = new Sheet{this};
@@ -80,7 +82,7 @@ RootView::RootView(LibraryViewModel& library, PresetStore& presets, Preferences&
     m_copySheet = new CopySheet{library, desktop, *m_copySheetFrame, this};
     m_closingSheet = new ClosingSheet{library, *m_closingFrame, *this};
     m_presetSheets = new PresetSheets{presets, *m_presetFrame, this};
-    for (auto* sheet : {m_copySheetFrame, m_alertFrame, m_closingFrame, m_presetFrame}) {
+    for (auto* sheet : {m_copySheetFrame, m_deleteSheetFrame, m_alertFrame, m_closingFrame, m_presetFrame}) {
         connect(sheet, &Sheet::didShowOrHide, m_menu, [this] {
             m_menu->setEnabled(!hasSheet());
             m_menu->refresh();
@@ -91,7 +93,9 @@ RootView::RootView(LibraryViewModel& library, PresetStore& presets, Preferences&
     m_subscriptions.push_back(
         m_library.observe({P::sourceURL, P::volumes}, [this](const auto&) { refreshTitle(); }));
     m_subscriptions.push_back(
-        m_library.observe({P::ratingSaveError, P::ejectError}, [this](const auto&) { showNextAlert(); }));
+        m_library.observe({P::pendingDeletion}, [this](const auto&) { showDeleteSheet(); }));
+    m_subscriptions.push_back(m_library.observe({P::ratingSaveError, P::ejectError, P::deleteError},
+                                                [this](const auto&) { showNextAlert(); }));
     refreshTitle();
     restoreGeometryOr(usualSize);
     m_content->focusPhotos();
@@ -130,8 +134,6 @@ void RootView::keepSize(const QSize& size) {
 
 void RootView::closeEvent(QCloseEvent* event) {
     saveFrame();
-    // The desktop's session that ends doesn't wait for an answer.
-    if (qApp->isSavingSession()) m_closingSheet->closeSoon();
     if (!m_closingSheet->canClose()) return event->ignore();
     QWidget::closeEvent(event);
 }
@@ -170,8 +172,13 @@ void RootView::dropEvent(QDropEvent* event) {
 }
 
 bool RootView::hasSheet() const {
-    const auto sheets = {m_copySheetFrame, m_alertFrame, m_closingFrame, m_presetFrame};
+    const auto sheets = {m_copySheetFrame, m_deleteSheetFrame, m_alertFrame, m_closingFrame, m_presetFrame};
     return std::ranges::any_of(sheets, [](const auto* sheet) { return sheet->isVisible(); });
+}
+
+bool RootView::isSettled() const {
+    const auto* sheet = qobject_cast<DeleteSheet*>(m_deleteSheetFrame->content());
+    return m_content->isSettled() && !(sheet && sheet->isLoading());
 }
 
 bool RootView::eventFilter(QObject* watched, QEvent* event) {
@@ -221,6 +228,8 @@ void RootView::perform(const WindowCommand& command) {
         return;
     case Kind::copyMarked:
         return m_library.startCopy();
+    case Kind::deletePhotos:
+        return m_library.requestDeleteForFocused();
     case Kind::clearMarks:
         return m_library.clearMarks();
     case Kind::showInFileManager:
@@ -265,7 +274,6 @@ void RootView::perform(const WindowCommand& command) {
         return m_sideWindows.show(SideWindows::Identifier::support, *this);
     case Kind::copyEdits:
     case Kind::pasteEdits:
-    case Kind::deletePhotos:
     case Kind::share:
         return; // see commandState
     case Kind::importPresets:
@@ -317,6 +325,13 @@ void RootView::goBack() {
 
 void RootView::toggleFullScreen() { setWindowState(windowState() ^ Qt::WindowFullScreen); }
 
+void RootView::showDeleteSheet() {
+    if (!m_library.pendingDeletion()) return m_deleteSheetFrame->dismiss();
+    auto* sheet = new DeleteSheet{m_library, m_thumbnails};
+    m_deleteSheetFrame->present(sheet);
+    m_deleteSheetFrame->setButtons(sheet->defaultButton(), sheet->cancelButton());
+}
+
 void RootView::showNextAlert() {
     const auto present = [this](const QString& title, const std::string& message, auto clear) {
         auto* alert = new AlertView{title, text(message)};
@@ -329,6 +344,8 @@ void RootView::showNextAlert() {
                 [this] { m_library.clearRatingSaveError(); });
     } else if (!m_library.ejectError().empty()) {
         present(tr("Couldn't Eject"), m_library.ejectError(), [this] { m_library.clearEjectError(); });
+    } else if (!m_library.deleteError().empty()) {
+        present(tr("Couldn't Delete"), m_library.deleteError(), [this] { m_library.clearDeleteError(); });
     } else {
         m_alertFrame->dismiss();
     }

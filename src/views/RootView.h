@@ -10,12 +10,14 @@ namespace kelvara {
 
 class ClosingSheet;
 class CopySheet;
+class DeleteSheet;
 class DropFrame;
 class MainMenu;
 class PresetSheets;
 class PresetStore;
 class Sheet;
 class SideWindows;
+class ThumbnailService;
 class WindowFrameGuard;
 
 /// The main window: the sources at the left, their photos at the right.
@@ -28,7 +30,7 @@ public:
     RootView(LibraryViewModel& library, PresetStore& presets, Preferences& preferences, Desktop& desktop,
              SideWindows& sideWindows, PhotoCanvases canvases, std::function<void(const FileURL&)> onDrop);
 
-    [[nodiscard]] bool isSettled() const { return m_content->isSettled(); }
+    [[nodiscard]] bool isSettled() const;
     void perform(const WindowCommand& command);
     /// What can be done with the focused photo, as a menu beside it.
     void showPhotoMenu(const QPoint& screenPoint);
@@ -58,6 +60,7 @@ private:
     void restoreGeometryOr(const QSize& usualSize);
     void restoreSidebarWidth();
     void saveFrame();
+    void showDeleteSheet();
     void showNextAlert();
     void toggleFullScreen();
     void goBack();
@@ -73,11 +76,13 @@ private:
     Desktop& m_desktop;
     SideWindows& m_sideWindows;
     std::function<void(const FileURL&)> m_onDrop;
+    ThumbnailService* m_thumbnails; // may be none
     MainMenu* m_menu;
     QSplitter* m_splitter;
     LibraryContentView* m_content;
     DropFrame* m_dropFrame;
     Sheet* m_copySheetFrame;
+    Sheet* m_deleteSheetFrame;
     Sheet* m_alertFrame;
     Sheet* m_closingFrame;
     Sheet* m_presetFrame;

@@ -36,6 +36,8 @@ struct Theme {
     QColor mark; ///< Photos marked for copying.
     QColor star;
     QColor danger;
+    QColor dangerFill;  ///< Buttons that carry `onAccent` text.
+    QColor dangerHover; ///< `dangerFill` under the pointer.
     QColor warning;
     QColor focusRing; ///< Keyboard focus of a control.
 

@@ -60,6 +60,16 @@ TEST_F(CopyCommandTest, aDryRunTellsWhatARunDoesAndWritesNothing) {
     EXPECT_EQ(target.files("new/trip"), Strings{"2001-09-09/a.NEF"});
 }
 
+TEST_F(CopyCommandTest, verificationLooksAtContents) {
+    photo("a.NEF", "raw", 1'000'000'000);
+    EXPECT_EQ(run({"copy", from, to, "--verify", "--json"}).json().at("copied"), 1);
+    EXPECT_EQ(run({"copy", from, to, "--verify", "--json"}).json().at("skipped"), 1);
+    target.write("new/trip/a.NEF", "war");
+    EXPECT_EQ(run({"copy", from, to, "--json"}).json().at("skipped"), 1);
+    EXPECT_EQ(run({"copy", from, to, "--verify", "--json"}).json().at("renamed"), 1);
+    EXPECT_EQ(TemporaryFolder::read(target.at("new/trip/a-1.NEF")), "raw");
+}
+
 TEST_F(CopyCommandTest, refusesADestinationInsideTheFolderAlsoBehindALink) {
     photo("a.NEF", "raw", 1'000'000'000);
     card.makeFolder("inside");
@@ -104,13 +114,14 @@ TEST_F(CopyCommandTest, interruptedOnATerminalItFinishesWhatItBegan) {
         const auto length = ::read(terminal, buffer, sizeof buffer);
         if (length <= 0) break; // the program's end of the terminal is closed
         shown.append(buffer, static_cast<std::size_t>(length));
-        if (!wasInterrupted && shown.find("1 of 3000 files") != std::string::npos) {
+        if (!wasInterrupted && shown.find(" 1 of 3000 files") != std::string::npos) {
             EXPECT_EQ(::write(terminal, "\x03", 1), 1); // Ctrl-C
             wasInterrupted = true;
         }
     }
     EXPECT_EQ(exitCodeOf(child), 130);
     ::close(terminal);
+    EXPECT_THAT(shown, testing::HasSubstr("[--------------------]   0 %  1 of 3000 files"));
     EXPECT_THAT(shown, testing::HasSubstr("Cancelled: "));
     const auto copied = target.files("new/trip");
     EXPECT_GT(copied.size(), 0U);

@@ -91,5 +91,35 @@ TEST_F(PictureCommandsTest, aThumbnailReplacesNothingButAnEarlierOne) {
     }
 }
 
+TEST_F(PictureCommandsTest, aPhotoIsDrawnThroughAPreset) {
+    card.write("dark.lrtemplate",
+               "s = { title = \"Dark\", value = { settings = { Exposure2012 = -3, GrainAmount = 40, "
+               "Clarity2012 = 30 } } }\n");
+    card.write("bad.lrtemplate", "s = 1\n");
+    const auto render = [&](const std::string& preset, const std::string& output, const Strings& more) {
+        Strings arguments{"render",     path("a.jpg"), "--preset",
+                          path(preset), "--output",    target.at(output).path(),
+                          "--json"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return run(arguments);
+    };
+    const auto full = render("dark.lrtemplate", "a.png", {});
+    EXPECT_EQ(full.exitCode, 0) << full.errors;
+    EXPECT_EQ(full.json().at("width"), 96);
+    EXPECT_EQ(full.json().at("height"), 128);
+    EXPECT_EQ(render("dark.lrtemplate", "b.png", {"--amount", "1"}).exitCode, 0);
+    EXPECT_EQ(TemporaryFolder::read(target.at("a.png")), TemporaryFolder::read(target.at("b.png")));
+
+    EXPECT_EQ(render("dark.lrtemplate", "small.png", {"--size", "64"}).json().at("height"), 64);
+    EXPECT_EQ(run(thumbnail("a.jpg", "64", "thumbnail.png")).exitCode, 0);
+    const auto thumbnail = TemporaryFolder::read(target.at("thumbnail.png"));
+    EXPECT_NE(TemporaryFolder::read(target.at("small.png")), thumbnail);
+    EXPECT_EQ(render("dark.lrtemplate", "none.png", {"--size", "64", "--amount", "0"}).exitCode, 0);
+    EXPECT_EQ(TemporaryFolder::read(target.at("none.png")), thumbnail);
+
+    EXPECT_EQ(render("bad.lrtemplate", "c.png", {}).exitCode, 1);
+    EXPECT_EQ(render("dark.lrtemplate", "c.png", {"--amount", "1.1"}).exitCode, 2);
+}
+
 } // namespace
 } // namespace kelvara

@@ -45,6 +45,17 @@ TEST(FileURLTest, keysTellCaseAndNormalFormApart) {
     EXPECT_NE(FileURL{"/c/A/IMG_1.CR3"}.stemKey(), FileURL{"/c/B/IMG_1.JPG"}.stemKey());
 }
 
+TEST(FileURLTest, urisAreExact) {
+    const FileURL odd{"/c/caf\xe9 100%\n\x01?#.jpg"};
+    EXPECT_EQ(odd.uri(), "file:///c/caf%E9%20100%25%0A%01%3F%23.jpg");
+    EXPECT_EQ(FileURL::fromURI(odd.uri()), odd);
+    EXPECT_EQ(FileURL::fromURI("file:///a b%2fc"), FileURL{"/a b/c"});
+    for (const auto* text :
+         {"", "/a", "file://host/a", "file:///a%", "file:///a%4", "file:///%4x", "file:///%00"}) {
+        EXPECT_FALSE(FileURL::fromURI(text)) << text;
+    }
+}
+
 TEST(FileURLTest, standardizesByTextAlone) {
     EXPECT_EQ(FileURL::standardized("/a//b/./c/../d/").path(), "/a/b/d");
     EXPECT_EQ(FileURL::standardized("photos", "/home/me").path(), "/home/me/photos");

@@ -1,6 +1,7 @@
 #include "platform/linux/LinuxFileSystem.h"
 #include "support/TemporaryFolder.h"
 
+#include <atomic>
 #include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
+#include <thread>
 #include <unistd.h>
 
 namespace kelvara {
@@ -26,38 +28,57 @@ std::string variedBytes(std::size_t size) {
     return bytes;
 }
 
+using Copying = Result<std::unique_ptr<PendingCopy>, FileError>;
+
 class LinuxFileCopyTest : public testing::Test {
 protected:
+    /// Under a temporary name, "to.partial".
+    Copying begin(const FileURL& from, const FileURL& to, CopyReading reading = CopyReading::none) {
+        return files.copyFile(from, to.appendingExtension("partial"), reading, {});
+    }
+    /// The whole way; gives what the medium then holds, or the reason why there is no copy.
+    std::string copied(const FileURL& from, const FileURL& to, CopyReading reading = CopyReading::none) {
+        const auto copy = begin(from, to, reading);
+        if (!copy) return copy.error().code.message();
+        if (!(*copy)->sync()) return "not synced";
+        if (reading == CopyReading::hashed && !(*copy)->isIntact().value()) return "not intact";
+        if (!(*copy)->place(to)) return "not placed";
+        return TemporaryFolder::read(to);
+    }
+
     TemporaryFolder folder;
     LinuxFileSystem files;
 };
 
+constexpr auto readings = {CopyReading::none, CopyReading::hashed};
+
 TEST_F(LinuxFileCopyTest, copiesEveryByteTimeModeAndTag) {
-    const auto bytes = variedBytes(9'000'001);
-    const auto from = folder.write("a.NEF", bytes);
-    const bool hasTags = ::setxattr(from.path().c_str(), "user.tag", "red", 3, 0) == 0;
-    ASSERT_EQ(::chmod(from.path().c_str(), 0444), 0);
-    const struct timespec times[2] = {{0, UTIME_OMIT}, {1'700'000'000, 123'000'000}};
-    ASSERT_EQ(::utimensat(AT_FDCWD, from.path().c_str(), times, 0), 0);
-
-    const auto to = folder.at("b.NEF");
-    ASSERT_TRUE(files.copyFile(from, to, {}));
-    EXPECT_TRUE(TemporaryFolder::read(to) == bytes);
-    struct stat values {};
-    ASSERT_EQ(::stat(to.path().c_str(), &values), 0);
-    EXPECT_EQ(values.st_mode & 07777, 0444U);
-    EXPECT_EQ(values.st_mtim.tv_sec, 1'700'000'000);
-    EXPECT_EQ(values.st_mtim.tv_nsec, 123'000'000);
-    if (hasTags) {
-        char tag[4]{};
-        EXPECT_EQ(::getxattr(to.path().c_str(), "user.tag", tag, sizeof tag), 3);
-        EXPECT_STREQ(tag, "red");
+    // Around the sizes at which another way is taken, and with a last block of every kind.
+    for (const std::size_t size : {0U, 1U, 4096U, 300'000U, 4'194'303U, 4'194'304U, 4'198'400U, 9'000'001U}) {
+        const auto bytes = variedBytes(size);
+        const auto from = folder.write("a.NEF", bytes);
+        const bool hasTags = ::setxattr(from.path().c_str(), "user.tag", "red", 3, 0) == 0;
+        ASSERT_EQ(::chmod(from.path().c_str(), 0444), 0);
+        const struct timespec times[2] = {{0, UTIME_OMIT}, {1'700'000'000, 123'000'000}};
+        ASSERT_EQ(::utimensat(AT_FDCWD, from.path().c_str(), times, 0), 0);
+        for (const auto reading : readings) {
+            const auto to = folder.at("b.NEF");
+            ASSERT_TRUE(copied(from, to, reading) == bytes) << size;
+            struct stat values {};
+            ASSERT_EQ(::stat(to.path().c_str(), &values), 0);
+            EXPECT_EQ(values.st_mode & 07777, 0444U);
+            EXPECT_EQ(values.st_mtim.tv_sec, 1'700'000'000);
+            EXPECT_EQ(values.st_mtim.tv_nsec, 123'000'000);
+            if (hasTags) {
+                char tag[4]{};
+                EXPECT_EQ(::getxattr(to.path().c_str(), "user.tag", tag, sizeof tag), 3);
+                EXPECT_STREQ(tag, "red");
+            }
+            EXPECT_TRUE(files.removeFile(to));
+        }
+        EXPECT_EQ(folder.files(), std::vector<std::string>{"a.NEF"});
+        EXPECT_TRUE(files.removeFile(from));
     }
-}
-
-TEST_F(LinuxFileCopyTest, copiesEmptyFiles) {
-    ASSERT_TRUE(files.copyFile(folder.write("a"), folder.at("b"), {}));
-    EXPECT_EQ(files.status(folder.at("b"))->size, 0);
 }
 
 TEST_F(LinuxFileCopyTest, copiesToAnotherVolume) {
@@ -65,24 +86,81 @@ TEST_F(LinuxFileCopyTest, copiesToAnotherVolume) {
     if (::access(memory.c_str(), W_OK) != 0) GTEST_SKIP() << "no second volume to write to";
     const TemporaryFolder other{memory};
     const auto bytes = variedBytes(5'000'000);
-    ASSERT_TRUE(files.copyFile(folder.write("a", bytes), other.at("a"), {}));
-    EXPECT_TRUE(TemporaryFolder::read(other.at("a")) == bytes);
-    const auto moved = files.moveFile(folder.at("a"), other.at("moved"));
+    const auto from = folder.write("a", bytes);
+    EXPECT_TRUE(copied(from, other.at("a"), CopyReading::none) == bytes);
+    EXPECT_TRUE(copied(from, other.at("b"), CopyReading::hashed) == bytes);
+    EXPECT_TRUE(files.haveSameContents(from, other.at("b"), {}).value());
+    const auto moved = files.moveFile(from, other.at("moved"));
     ASSERT_FALSE(moved);
     EXPECT_EQ(moved.error().code, std::errc::cross_device_link);
 }
 
-TEST_F(LinuxFileCopyTest, neverWritesIntoWhatIsThere) {
+TEST_F(LinuxFileCopyTest, seesAByteThatChangedAfterItWasWritten) {
+    for (const std::size_t size : {1U, 100'000U, 5'000'001U}) {
+        for (const std::size_t at : {std::size_t{0}, size / 2, size - 1}) {
+            auto bytes = variedBytes(size);
+            const auto from = folder.write("a", bytes);
+            const auto copy = begin(from, folder.at("b"), CopyReading::hashed);
+            ASSERT_TRUE(copy && (*copy)->sync());
+            EXPECT_TRUE((*copy)->isIntact().value());
+            bytes[at] = static_cast<char>(bytes[at] ^ 1);
+            std::fstream{folder.at("b.partial").path()}.seekp(static_cast<std::streamoff>(at)).put(bytes[at]);
+            EXPECT_FALSE((*copy)->isIntact().value()) << size << " " << at;
+            EXPECT_FALSE(files.haveSameContents(from, folder.write("c", bytes), {}).value());
+            EXPECT_TRUE(files.haveSameContents(folder.at("b.partial"), folder.at("c"), {}).value());
+        }
+    }
+    EXPECT_EQ(files.haveSameContents(folder.at("a"), folder.at("none"), {}).error().url, folder.at("none"));
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_TRUE(
+        files.haveSameContents(folder.at("a"), folder.at("a"), stop.get_token()).error().wasCancelled());
+}
+
+TEST_F(LinuxFileCopyTest, theTemporaryFileBelongsToOneLivingCopy) {
     const auto from = folder.write("from", "new");
-    const auto taken = folder.write("taken", "old");
-    const auto copied = files.copyFile(from, taken, {});
-    ASSERT_FALSE(copied);
-    EXPECT_EQ(copied.error().code, std::errc::file_exists);
-    EXPECT_EQ(copied.error().url, taken);
-    EXPECT_EQ(TemporaryFolder::read(taken), "old");
-    ASSERT_EQ(::symlink("victim", folder.at("link").path().c_str()), 0);
-    EXPECT_FALSE(files.copyFile(from, folder.at("link"), {}));
+    const auto to = folder.at("to");
+    folder.write("to.partial", "left by a copy that was killed");
+    {
+        const auto first = begin(from, to);
+        ASSERT_TRUE(first);
+        EXPECT_EQ(begin(from, to).error().code, std::errc::device_or_resource_busy);
+        EXPECT_EQ(TemporaryFolder::read(folder.at("to.partial")), "new");
+        folder.write("to", "theirs");
+        EXPECT_EQ((*first)->place(to).error().code, std::errc::file_exists);
+    }
+    EXPECT_EQ(TemporaryFolder::read(to), "theirs");
+    EXPECT_EQ(folder.files(), (std::vector<std::string>{"from", "to"}));
+
+    ASSERT_EQ(::symlink("victim", folder.at("link.partial").path().c_str()), 0);
+    folder.makeFolder("folder.partial");
+    for (const auto* name : {"link", "folder"}) {
+        const auto refused = begin(from, folder.at(name));
+        ASSERT_FALSE(refused);
+        EXPECT_EQ(refused.error(), (FileError{folder.at(name).appendingExtension("partial"),
+                                              std::make_error_code(std::errc::file_exists)}));
+    }
     EXPECT_FALSE(TemporaryFolder::exists(folder.at("victim")));
+}
+
+TEST_F(LinuxFileCopyTest, oneOfManyThatCopyToOnePlaceWins) {
+    const auto from = folder.write("from", variedBytes(100'000));
+    std::atomic<int> placed = 0;
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < 200; ++round) {
+                const auto copy = begin(from, folder.at("to"));
+                if (!copy) continue;
+                EXPECT_EQ((*copy)->size().value(), 100'000);
+                if ((*copy)->place(folder.at("to"))) ++placed;
+            }
+        });
+    }
+    threads.clear();
+    EXPECT_EQ(placed, 1);
+    EXPECT_EQ(folder.files(), (std::vector<std::string>{"from", "to"}));
+    EXPECT_TRUE(TemporaryFolder::read(folder.at("to")) == variedBytes(100'000));
 }
 
 TEST_F(LinuxFileCopyTest, refusesWhatIsNoFile) {
@@ -91,34 +169,41 @@ TEST_F(LinuxFileCopyTest, refusesWhatIsNoFile) {
     ASSERT_EQ(::symlink("real.NEF", folder.at("link.NEF").path().c_str()), 0);
     folder.makeFolder("folder.NEF");
     for (const auto* name : {"pipe.NEF", "link.NEF", "folder.NEF", "none.NEF"}) {
-        const auto copied = files.copyFile(folder.at(name), folder.at("to"), {});
-        ASSERT_FALSE(copied) << name;
-        EXPECT_EQ(copied.error().url, folder.at(name));
-        EXPECT_FALSE(TemporaryFolder::exists(folder.at("to"))) << name;
+        const auto copy = begin(folder.at(name), folder.at("to"));
+        ASSERT_FALSE(copy) << name;
+        EXPECT_EQ(copy.error().url, folder.at(name));
+        EXPECT_FALSE(TemporaryFolder::exists(folder.at("to.partial"))) << name;
     }
 }
 
 TEST_F(LinuxFileCopyTest, stopsWhenAsked) {
     std::stop_source stop;
     stop.request_stop();
-    const auto copied = files.copyFile(folder.write("a", "bytes"), folder.at("b"), stop.get_token());
-    ASSERT_FALSE(copied);
-    EXPECT_TRUE(copied.error().wasCancelled());
+    const auto from = folder.write("a", "bytes");
+    for (const auto reading : readings) {
+        const auto copy = files.copyFile(from, folder.at("b"), reading, stop.get_token());
+        ASSERT_FALSE(copy);
+        EXPECT_TRUE(copy.error().wasCancelled());
+        EXPECT_FALSE(TemporaryFolder::exists(folder.at("b")));
+    }
 }
 
 TEST_F(LinuxFileCopyTest, reportsAWriteThatTheSystemRefuses) {
-    const auto from = folder.write("a", variedBytes(200'000));
-    auto* const handler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before{};
-    ::getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit limited{100'000, before.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &limited);
-    const auto copied = files.copyFile(from, folder.at("b"), {});
-    ::setrlimit(RLIMIT_FSIZE, &before);
-    (void)std::signal(SIGXFSZ, handler);
-    ASSERT_FALSE(copied);
-    EXPECT_EQ(copied.error().code, std::errc::file_too_large);
-    EXPECT_EQ(copied.error().url, folder.at("b"));
+    for (const std::size_t size : {200'000U, 6'000'000U}) {
+        const auto from = folder.write("a", variedBytes(size));
+        auto* const handler = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit before{};
+        ::getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit limited{size / 2 + 1000, before.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &limited);
+        const auto copy = begin(from, folder.at("b"));
+        ::setrlimit(RLIMIT_FSIZE, &before);
+        (void)std::signal(SIGXFSZ, handler);
+        ASSERT_FALSE(copy);
+        EXPECT_EQ(copy.error().code, std::errc::file_too_large);
+        EXPECT_EQ(copy.error().url, folder.at("b.partial"));
+        EXPECT_FALSE(TemporaryFolder::exists(folder.at("b.partial")));
+    }
 }
 
 /// Runs in a process of its own, which alone sees the small volume. 0: as expected; 77: not permitted here.
@@ -129,27 +214,31 @@ int copyOntoAFullVolume(const FileURL& from, const FileURL& mountPoint) {
     }
     LinuxFileSystem files;
     const auto to = mountPoint.child("b");
-    const auto copied = files.copyFile(from, to, {});
-    if (copied || copied.error().code != std::errc::no_space_on_device || copied.error().url != to) return 1;
+    for (const auto reading : readings) {
+        const auto copy = files.copyFile(from, to, reading, {});
+        if (copy || copy.error().code != std::errc::no_space_on_device || copy.error().url != to) return 1;
+        if (files.status(to)) return 2;
+    }
     const auto kept = mountPoint.child("kept.xmp");
-    if (files.writeFileAtomically(kept, "x").hasValue()) return 2; // full to the last page
-    if (!files.removeFile(to) || !files.writeFileAtomically(kept, "old")) return 3;
+    if (!files.writeFileAtomically(kept, "old")) return 3;
     const auto written = files.writeFileAtomically(kept, std::string(2'000'000, 'x'));
     if (written || written.error().code != std::errc::no_space_on_device) return 4;
     return files.readFile(kept, 100).value() == "old" ? 0 : 5;
 }
 
 TEST_F(LinuxFileCopyTest, reportsAFullVolume) {
-    const auto from = folder.write("a", variedBytes(3'000'000));
     const auto mountPoint = folder.makeFolder("volume");
-    const auto child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) ::_exit(copyOntoAFullVolume(from, mountPoint));
-    int status = 0;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    ASSERT_TRUE(WIFEXITED(status));
-    if (WEXITSTATUS(status) == 77) GTEST_SKIP() << "this user may not mount a small volume";
-    EXPECT_EQ(WEXITSTATUS(status), 0);
+    for (const std::size_t size : {3'000'000U, 5'000'000U}) {
+        const auto from = folder.write("a", variedBytes(size));
+        const auto child = ::fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) ::_exit(copyOntoAFullVolume(from, mountPoint));
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFEXITED(status));
+        if (WEXITSTATUS(status) == 77) GTEST_SKIP() << "this user may not mount a small volume";
+        EXPECT_EQ(WEXITSTATUS(status), 0);
+    }
 }
 
 } // namespace

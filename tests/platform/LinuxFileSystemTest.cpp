@@ -141,7 +141,7 @@ TEST_F(LinuxFileSystemTest, createsFoldersAtAnyDepthOnce) {
 }
 
 TEST_F(LinuxFileSystemTest, noWayOfMovingReplacesAFile) {
-    for (auto* const move : {&moveByExclusiveRename, &moveByLink, &moveByCheckedRename}) {
+    for (auto* const move : {&moveByExclusiveRename, &moveByLink, &moveByReservation}) {
         const auto from = folder.write("from", "moved");
         const auto taken = folder.write("taken", "kept");
         errno = 0;

@@ -118,6 +118,25 @@ TEST_F(CopyPlanTest, aFileOfTheSameSizeIsAnEarlierCopyAlsoUnderANumber) {
     EXPECT_TRUE(isSkipped(plan));
 }
 
+TEST_F(CopyPlanTest, verificationTakesOnlyTheSameContentsForAnEarlierCopy) {
+    target.write("IMG_1.CR3", "67890");
+    target.write("IMG_1-1.CR3", "12345");
+    auto request = this->request({photo("IMG_1.CR3", "12345"), photo("b/IMG_1.CR3", "12346")});
+    EXPECT_TRUE(isSkipped(service.plan(request)->at(0)));
+    request.verifies = true;
+    const auto plans = service.plan(request);
+    ASSERT_TRUE(plans);
+    EXPECT_TRUE(isSkipped(plans->at(0)));
+    EXPECT_EQ(plans->at(0).destination, target.at("IMG_1-1.CR3"));
+    EXPECT_EQ(plans->at(1).destination, target.at("IMG_1-2.CR3"));
+    EXPECT_EQ(plans->at(1).action, Plan::Action{Plan::Copy{.isVerified = true}});
+
+    std::stop_source stop; // requested while contents are compared
+    stop.request_stop();
+    EXPECT_EQ(service.plan(request, stop.get_token()).error(),
+              CopyService::CopyError{CopyService::Cancelled{}});
+}
+
 TEST_F(CopyPlanTest, foldersAndLinksOfTheNameAreNoEarlierCopies) {
     target.makeFolder("a.MOV");
     target.write("real", "1");

@@ -87,7 +87,7 @@ TEST_F(CopyRunTest, aRestOfAnInterruptedCopyIsReplaced) {
 
 TEST_F(CopyRunTest, aFileThatAppearsAfterPlanningIsNeverReplaced) {
     const auto plans = planned({photo("a.NEF", "mine")});
-    files.onMove = [this](const FileURL&, const FileURL&) { target.write("a.NEF", "theirs"); };
+    files.onPlace = [this](const FileURL&, const FileURL&) { target.write("a.NEF", "theirs"); };
     EXPECT_EQ(failureOf(plans), "Another file of this name appeared at the destination.");
     EXPECT_EQ(target.files(), Strings{"a.NEF"});
     EXPECT_EQ(TemporaryFolder::read(target.at("a.NEF")), "theirs");
@@ -107,11 +107,77 @@ TEST_F(CopyRunTest, aCopyOfTheWrongSizeLeavesNothing) {
     card.write("a.NEF", "grew while it was copied");
     EXPECT_EQ(failureOf(plans), "The copy's size doesn't match the original.");
     card.write("a.NEF", "12345");
-    files.onSize = [](const FileURL& url, std::int64_t size) {
-        return url.extension() == "partial" ? size - 1 : size;
-    };
+    files.onSize = [](std::int64_t size) { return size - 1; };
     EXPECT_EQ(failureOf(plans), "The copy's size doesn't match the original.");
     EXPECT_EQ(target.files(), Strings{});
+}
+
+TEST_F(CopyRunTest, aVerifiedCopyIsWhatTheMediumHoldsOrNothing) {
+    auto request = this->request({photo("a.NEF", "12345"), photo("b.NEF", std::string(5'000'000, 'x'))});
+    request.verifies = true;
+    for (const auto* damaged : {"a.NEF.partial", "b.NEF.partial", ""}) {
+        files.onSync = [&](const FileURL& temporary) -> std::optional<std::errc> {
+            if (temporary.name() == damaged) std::fstream{temporary.path()}.seekp(3).put('!');
+            return std::nullopt;
+        };
+        TemporaryFolder place;
+        request.destination = place.url();
+        const auto report = service.copy(service.plan(request).value(), place.url(), {}, {}, [](auto&) {});
+        const bool isWhole = std::string_view{damaged}.empty();
+        EXPECT_EQ(report.copied, isWhole ? 2 : 1);
+        EXPECT_EQ(place.files().size(), isWhole ? 2U : 1U);
+        if (isWhole) continue;
+        ASSERT_EQ(report.failures.size(), 1U);
+        EXPECT_EQ(report.failures[0].fileName + ".partial", damaged);
+        EXPECT_EQ(report.failures[0].reason, "The copy's contents don't match the original.");
+    }
+}
+
+TEST_F(CopyRunTest, aCopyCountsOnlyWhenItsBytesAndItsNameAreOnTheMedium) {
+    const auto items = photos(40);
+    files.onSync = [](const FileURL& temporary) -> std::optional<std::errc> {
+        if (temporary.name() == "7.JPG.partial") return std::errc::io_error;
+        return std::nullopt;
+    };
+    std::atomic<bool> namesAreSafe = false;
+    files.onPlace = [&](const FileURL&, const FileURL&) { namesAreSafe = false; };
+    files.onSyncNames = [&](const FileURL& folder) -> std::optional<std::errc> {
+        EXPECT_EQ(folder, target.url());
+        namesAreSafe = true;
+        return std::nullopt;
+    };
+    auto report = copy(planned(items));
+    EXPECT_TRUE(namesAreSafe);
+    EXPECT_EQ(report.copied, 39);
+    ASSERT_EQ(report.failures.size(), 1U);
+    EXPECT_EQ(report.failures[0].fileName, "7.JPG");
+    EXPECT_EQ(target.files().size(), 39U);
+
+    files.onSyncNames = [](const FileURL&) { return std::optional{std::errc::no_such_device}; };
+    EXPECT_EQ(failureOf(planned({photo("x.NEF", "x")})),
+              "The destination folder is gone. Was its drive removed?");
+}
+
+TEST_F(CopyRunTest, twoCopiesIntoOneFolderAtOnceDoNotTearEachOther) {
+    const auto plans = planned(photos(200));
+    CopyService::Report reports[2];
+    {
+        std::vector<std::jthread> threads;
+        for (auto& report : reports) threads.emplace_back([&] { report = copy(plans); });
+    }
+    EXPECT_EQ(reports[0].copied + reports[1].copied, 200);
+    EXPECT_EQ(reports[0].failures.size() + reports[1].failures.size(), 200U);
+    EXPECT_EQ(target.files().size(), 200U);
+    for (int i = 0; i < 200; ++i) {
+        EXPECT_EQ(TemporaryFolder::read(target.at(std::to_string(i) + ".JPG")), std::to_string(i));
+    }
+    for (const auto& report : reports) {
+        for (const auto& failure : report.failures) {
+            EXPECT_TRUE(failure.reason == "Another file of this name appeared at the destination." ||
+                        failure.reason == "Another copy of this file is being written at the destination.")
+                << failure.reason;
+        }
+    }
 }
 
 TEST_F(CopyRunTest, aFailedFileIsCleanedUpAndTheOthersGoOn) {
@@ -209,9 +275,9 @@ TEST_F(CopyRunTest, sidecarsTravelWithRawFilesOnly) {
 
 TEST_F(CopyRunTest, twoRawFilesOfOneShotShareTheirSidecarWithoutQuarrel) {
     card.write("a.xmp", "stars");
-    std::latch both{2};
-    files.onMove = [&](const FileURL&, const FileURL& to) {
-        if (to.extension() == "xmp") both.arrive_and_wait(); // both have found none at the destination
+    files.onPlace = [&](const FileURL&, const FileURL& to) {
+        if (to.extension() == "xmp")
+            target.write("a.xmp", "stars"); // both have found none at the destination
     };
     const auto report = copy(planned({photo("a.NEF", "1"), photo("a.DNG", "22")}));
     EXPECT_EQ(report.copied, 2);

@@ -15,11 +15,11 @@
 namespace kelvara {
 
 /// A file system in memory that does what a test tells it to: fails at the n-th change, refuses a path, runs
-/// full, loses bytes of copies. Paths are absolute, without a trailing slash. May be used from several
+/// full. Paths are absolute, without a trailing slash. May be used from several
 /// threads.
 class FakeFileSystem : public FileSystem {
 public:
-    enum class Operation { status, walk, read, write, createFolders, copy, move, remove };
+    enum class Operation { status, walk, read, write, createFolders, move, remove };
 
     // Setting up.
 
@@ -33,7 +33,7 @@ public:
         insertFolder(FileURL{path}.parent());
         m_files[path] = {std::move(bytes), date};
     }
-    /// From now on every such operation on `path` fails; for copies and moves both paths count.
+    /// From now on every such operation on `path` fails; for moves both paths count.
     void refuse(Operation operation, const std::string& path, std::errc code = std::errc::permission_denied) {
         const std::scoped_lock lock{m_mutex};
         m_refusals[{operation, path}] = code;
@@ -48,11 +48,6 @@ public:
     void setCapacity(std::optional<std::int64_t> bytes) {
         const std::scoped_lock lock{m_mutex};
         m_capacity = bytes;
-    }
-    /// From now on copies come out this much shorter than their originals, and succeed.
-    void loseBytesOfCopies(std::size_t count) {
-        const std::scoped_lock lock{m_mutex};
-        m_lostBytes = count;
     }
     /// Called before every operation without the lock, so that it may cancel, change files, or wait. Set it
     /// before other threads use the file system.
@@ -146,23 +141,18 @@ public:
         });
     }
 
-    /// A copy that is cancelled, or that finds no room, leaves the first half behind.
-    Result<void, FileError> copyFile(const FileURL& from, const FileURL& to, std::stop_token stop) override {
-        return perform(Operation::copy, from, to, [&]() -> Result<void, FileError> {
-            const auto source = m_files.find(from.path());
-            if (source == m_files.end()) return failure(from, std::errc::no_such_file_or_directory);
-            if (const auto error = refusalOfTarget(to)) return failure(to, *error);
-            auto copy = source->second;
-            const auto size = copy.bytes.size();
-            copy.bytes.resize(size - std::min(size, m_lostBytes));
-            const bool fits = takeCapacity(size);
-            if (stop.stop_requested() || !fits) copy.bytes.resize(copy.bytes.size() / 2);
-            m_files[to.path()] = std::move(copy);
-            if (stop.stop_requested()) return failure(to, std::errc::operation_canceled);
-            if (!fits) return failure(to, std::errc::no_space_on_device);
-            return {};
-        });
+    /// Copying takes real files.
+    Result<std::unique_ptr<PendingCopy>, FileError> copyFile(const FileURL&, const FileURL& temporary,
+                                                             CopyReading, std::stop_token) override {
+        return failure(temporary, std::errc::not_supported);
     }
+    [[nodiscard]] Result<bool, FileError> haveSameContents(const FileURL& file, const FileURL& onMedium,
+                                                           std::stop_token) const override {
+        const auto first = bytes(file.path());
+        if (!first) return failure(file, std::errc::no_such_file_or_directory);
+        return first == bytes(onMedium.path());
+    }
+    Result<void, FileError> syncNames(const FileURL&) override { return {}; }
 
     Result<void, FileError> moveFile(const FileURL& from, const FileURL& to) override {
         return perform(Operation::move, from, to, [&]() -> Result<void, FileError> {
@@ -271,7 +261,6 @@ private:
     std::set<std::string> m_folders{"/"};
     std::map<std::pair<Operation, std::string>, std::errc> m_refusals;
     std::optional<std::int64_t> m_capacity;
-    std::size_t m_lostBytes = 0;
     std::errc m_changeFailure = std::errc::io_error;
     mutable int m_changesUntilFailure = 0; // 0: none will fail
     mutable std::map<Operation, int> m_counts;

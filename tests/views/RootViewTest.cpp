@@ -337,6 +337,36 @@ TEST_F(RootViewTest, anErrorIsShownUntilItIsAcknowledged) {
     EXPECT_EQ(visibleButton("OK"), nullptr);
 }
 
+TEST_F(RootViewTest, deletingAsksTellsOfFailuresAndGivesTheKeyboardBack) {
+    open({"a.jpg", "b.jpg", "c.jpg"});
+    m_trash.refuse(m_card / "b.jpg");
+    press(Qt::Key_Delete);
+    ASSERT_NE(visibleButton("Move to Trash"), nullptr);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(QApplication::focusWidget(), m_grid);
+    press(Qt::Key_Backspace, Qt::ControlModifier);
+    press(Qt::Key_Return);
+    settle();
+    EXPECT_EQ(visibleNames(), (std::vector<std::string>{"b.jpg", "c.jpg"}));
+    EXPECT_EQ(focusedName(), "b.jpg");
+    EXPECT_EQ(QApplication::focusWidget(), m_grid);
+
+    press(Qt::Key_Delete);
+    press(Qt::Key_Return);
+    settle();
+    ASSERT_NE(visibleButton("OK"), nullptr);
+    press(Qt::Key_Return);
+    EXPECT_EQ(m_library->deleteError(), "");
+    EXPECT_EQ(QApplication::focusWidget(), m_grid);
+
+    m_volumes.mount(volume(m_card.url(), true)); // the source is a card now: erasing
+    press(Qt::Key_Delete);
+    ASSERT_NE(visibleButton("Delete"), nullptr);
+    press(Qt::Key_Return);
+    settle();
+    EXPECT_EQ(visibleNames().size(), 2U);
+}
+
 TEST_F(RootViewTest, anEmptyGridOffersTheWayOutAndTakesItByMouse) {
     open({"a.jpg"});
     m_library->setSearchText("nothing");

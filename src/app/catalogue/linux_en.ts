@@ -21,6 +21,20 @@
     </message>
 </context>
 <context>
+    <name>DeleteTexts</name>
+    <message>
+        <source>The files are moved to the Trash, where they can be put back from Finder.</source>
+        <translation>The files are moved to the Trash, where they can be put back from the file manager.</translation>
+    </message>
+    <message numerus="yes">
+        <source>Also delete the matching %1 with the same name (%Ln files)</source>
+        <translation>
+            <numerusform>Also delete the matching %1 with the same name (%Ln file)</numerusform>
+            <numerusform>Also delete the matching %1 with the same name (%Ln files)</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>EmptyState</name>
     <message>
         <source>Press Return or S on a photo to mark it.</source>

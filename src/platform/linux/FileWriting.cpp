@@ -65,13 +65,17 @@ bool moveByLink(const FileURL& from, const FileURL& to) {
     return false;
 }
 
-bool moveByCheckedRename(const FileURL& from, const FileURL& to) {
-    struct stat values {};
-    if (::lstat(to.path().c_str(), &values) == 0) {
-        errno = EEXIST;
-        return false;
+bool moveByReservation(const FileURL& from, const FileURL& to) {
+    {
+        constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+        const FileDescriptor reserved{::open(to.path().c_str(), flags, 0600)};
+        if (!reserved.isOpen()) return false;
     }
-    return errno == ENOENT && ::rename(from.path().c_str(), to.path().c_str()) == 0;
+    if (::rename(from.path().c_str(), to.path().c_str()) == 0) return true;
+    const int reason = errno;
+    ::unlink(to.path().c_str());
+    errno = reason;
+    return false;
 }
 
 bool moveWithoutReplacing(const FileURL& from, const FileURL& to) {
@@ -80,7 +84,7 @@ bool moveWithoutReplacing(const FileURL& from, const FileURL& to) {
     };
     bool moved = moveByExclusiveRename(from, to);
     if (!moved && isRefused()) moved = moveByLink(from, to);
-    if (!moved && isRefused()) moved = moveByCheckedRename(from, to);
+    if (!moved && isRefused()) moved = moveByReservation(from, to);
     return moved;
 }
 

@@ -36,13 +36,14 @@ template <typename Call> auto uninterrupted(Call call) {
 /// `to` can't hold, are passed over.
 void copyUserAttributes(const FileDescriptor& from, const FileDescriptor& to);
 
-/// Ways to give a file a name that is free, from the best to the last resort. Each fails with EEXIST when
-/// the name is taken; the next is for file systems that refuse the one before.
+/// Gives a file of the same volume a name that is free, by the first of the ways below that the file system
+/// knows; fails with EEXIST when the name is taken.
+[[nodiscard]] bool moveWithoutReplacing(const FileURL& from, const FileURL& to);
+
 [[nodiscard]] bool moveByExclusiveRename(const FileURL& from, const FileURL& to);
 [[nodiscard]] bool moveByLink(const FileURL& from, const FileURL& to);
-/// Leaves a moment between the check and the rename in which another program could take the name.
-[[nodiscard]] bool moveByCheckedRename(const FileURL& from, const FileURL& to);
-/// The first of them that the file system knows.
-[[nodiscard]] bool moveWithoutReplacing(const FileURL& from, const FileURL& to);
+/// Takes the name with an empty file first, which stays if the process is killed just then: on file systems
+/// that know neither of the ways above, an empty file too many is better than somebody's file lost.
+[[nodiscard]] bool moveByReservation(const FileURL& from, const FileURL& to);
 
 } // namespace kelvara

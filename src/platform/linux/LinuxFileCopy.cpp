@@ -1,104 +1,124 @@
+#include "platform/linux/ByteCopy.h"
 #include "platform/linux/FileWriting.h"
 #include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/LockedFile.h"
+#include "platform/linux/SequentialReader.h"
 
 #include <fcntl.h>
-#include <linux/fs.h>
-#include <memory>
-#include <sys/ioctl.h>
 #include <sys/stat.h>
 
 namespace kelvara {
 
 namespace {
 
-/// Small enough that a buffer stays in the processor's cache.
-constexpr std::size_t bufferSize = 256 * 1024;
-/// What the kernel copies between two looks at the stop token.
-constexpr std::size_t kernelCopySize = 4 * 1024 * 1024;
+/// An original, open for reading.
+struct Source {
+    FileDescriptor file{-1};
+    struct stat values {};
+};
 
-/// One file's way to another place.
-class FileCopy {
+Result<Source, FileError> openSource(const FileURL& url) {
+    // O_NONBLOCK: opening a pipe that bears a photo's name must not wait for a writer.
+    constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    Source source{FileDescriptor{::open(url.path().c_str(), flags)}, {}};
+    if (!source.file.isOpen() || ::fstat(source.file.get(), &source.values) != 0)
+        return Failure{fileError(url)};
+    if (S_ISREG(source.values.st_mode)) return source;
+    return Failure{fileError(url, S_ISDIR(source.values.st_mode) ? EISDIR : EINVAL)};
+}
+
+/// As far as the target's file system takes them: a card's does not know owners, modes or attributes.
+void keepAttributes(const Source& source, const FileDescriptor& target) {
+    copyUserAttributes(source.file, target); // before a mode that may forbid it
+    (void)::fchmod(target.get(), source.values.st_mode & 0777);
+    const struct timespec times[2] = {source.values.st_atim, source.values.st_mtim};
+    (void)::futimens(target.get(), times);
+}
+
+class LinuxFileCopy : public PendingCopy {
 public:
-    FileCopy(const FileURL& from, const FileURL& to, std::stop_token stop)
-        : m_from{from}, m_to{to}, m_stop{std::move(stop)} {}
+    LinuxFileCopy(LockedFile file, ContentHash hash) : m_file{std::move(file)}, m_hash{hash} {}
 
-    Result<void, FileError> run() {
-        if (auto opened = open(); !opened) return opened;
-        if (auto copied = copyBytes(); !copied) return copied;
-        keepAttributes();
-        if (!syncFile(m_target)) return Failure{fileError(m_to)};
+    [[nodiscard]] Result<std::int64_t, FileError> size() const override {
+        struct stat values {};
+        if (::fstat(m_file.file().get(), &values) != 0) return failure();
+        return std::int64_t{values.st_size};
+    }
+    Result<void, FileError> sync() override {
+        if (!syncFile(m_file.file())) return failure();
+        return {};
+    }
+    [[nodiscard]] Result<bool, FileError> isIntact() const override {
+        SequentialReader reader{m_file.file(), 0, SequentialReader::Way::onMedium};
+        const AlignedBuffer buffer{directTransferSize};
+        ContentHasher hasher;
+        for (;;) {
+            const auto bytes = reader.next(buffer);
+            if (!bytes) return failure();
+            if (bytes->empty()) return hasher.hash() == m_hash;
+            hasher.add(*bytes);
+        }
+    }
+    Result<void, FileError> place(const FileURL& destination) override {
+        if (!m_file.move(destination)) return failure();
         return {};
     }
 
 private:
-    Result<void, FileError> open() {
-        // O_NONBLOCK: opening a pipe that bears a photo's name must not wait for a writer.
-        constexpr int readFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-        m_source = FileDescriptor{::open(m_from.path().c_str(), readFlags)};
-        if (!m_source.isOpen() || ::fstat(m_source.get(), &m_values) != 0) return Failure{fileError(m_from)};
-        if (!S_ISREG(m_values.st_mode)) {
-            return Failure{fileError(m_from, S_ISDIR(m_values.st_mode) ? EISDIR : EINVAL)};
-        }
-        // Unreadable to others until it has the source's permissions.
-        constexpr int writeFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-        m_target = FileDescriptor{::open(m_to.path().c_str(), writeFlags, 0600)};
-        if (!m_target.isOpen()) return Failure{fileError(m_to)};
-        return {};
-    }
+    [[nodiscard]] Failure<FileError> failure() const { return Failure{fileError(m_file.url())}; }
 
-    /// Tries the cheapest way first. What one way leaves, for whatever reason, the next continues, and the
-    /// last one's reason is the one that counts.
-    Result<void, FileError> copyBytes() {
-        if (m_stop.stop_requested()) return cancelled();
-        if (::ioctl(m_target.get(), FICLONE, m_source.get()) == 0) return {};
-        (void)::posix_fadvise(m_source.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
-        for (;;) {
-            const auto count = uninterrupted([&] {
-                return ::copy_file_range(m_source.get(), nullptr, m_target.get(), nullptr, kernelCopySize, 0);
-            });
-            if (m_stop.stop_requested()) return cancelled();
-            if (count <= 0) break; // some file systems say 0 before the end, so the end is left to read()
-        }
-        return readAndWrite();
-    }
-
-    Result<void, FileError> readAndWrite() {
-        const std::unique_ptr<char[]> buffer{new char[bufferSize]};
-        for (;;) {
-            const auto count =
-                uninterrupted([&] { return ::read(m_source.get(), buffer.get(), bufferSize); });
-            if (count < 0) return Failure{fileError(m_from)};
-            if (count == 0) return {};
-            if (!writeAll(m_target, {buffer.get(), static_cast<std::size_t>(count)})) {
-                return Failure{fileError(m_to)};
-            }
-            if (m_stop.stop_requested()) return cancelled();
-        }
-    }
-
-    /// As far as the target's file system takes them: a card's does not know owners, modes or attributes.
-    void keepAttributes() {
-        copyUserAttributes(m_source, m_target); // before a mode that may forbid it
-        (void)::fchmod(m_target.get(), m_values.st_mode & 0777);
-        const struct timespec times[2] = {m_values.st_atim, m_values.st_mtim};
-        (void)::futimens(m_target.get(), times);
-    }
-
-    [[nodiscard]] Failure<FileError> cancelled() const { return Failure{fileError(m_from, ECANCELED)}; }
-
-    const FileURL& m_from;
-    const FileURL& m_to;
-    std::stop_token m_stop;
-    FileDescriptor m_source{-1};
-    FileDescriptor m_target{-1};
-    struct stat m_values {};
+    LockedFile m_file;
+    ContentHash m_hash; // of what was read of the original, where it was hashed
 };
 
 } // namespace
 
-Result<void, FileError> LinuxFileSystem::copyFile(const FileURL& from, const FileURL& to,
-                                                  std::stop_token stop) {
-    return FileCopy{from, to, std::move(stop)}.run();
+Result<std::unique_ptr<PendingCopy>, FileError> LinuxFileSystem::copyFile(const FileURL& from,
+                                                                          const FileURL& temporary,
+                                                                          CopyReading reading,
+                                                                          std::stop_token stop) {
+    const auto source = openSource(from);
+    if (!source) return Failure{source.error()};
+    auto target = LockedFile::create(temporary);
+    if (!target) return Failure{target.error()};
+
+    const ByteCopy copy{from, temporary, source->file, target->file(), source->values.st_size, stop};
+    ContentHash hash;
+    if (reading == CopyReading::hashed) {
+        const auto copied = copyAndHashBytes(copy);
+        if (!copied) return Failure{copied.error()};
+        hash = *copied;
+    } else if (const auto copied = copyBytes(copy); !copied) {
+        return Failure{copied.error()};
+    }
+    keepAttributes(*source, target->file());
+    // The medium begins to write now, so that syncing a few copies later waits for little.
+    (void)::sync_file_range(target->file().get(), 0, 0, SYNC_FILE_RANGE_WRITE);
+    return std::unique_ptr<PendingCopy>{new LinuxFileCopy{std::move(*target), hash}};
+}
+
+Result<bool, FileError> LinuxFileSystem::haveSameContents(const FileURL& file, const FileURL& onMedium,
+                                                          std::stop_token stop) const {
+    using Way = SequentialReader::Way;
+    const auto first = openSource(file);
+    if (!first) return Failure{first.error()};
+    const auto second = openSource(onMedium);
+    if (!second) return Failure{second.error()};
+    if (first->values.st_size != second->values.st_size) return false;
+
+    SequentialReader firstReader{first->file, first->values.st_size, Way::cached};
+    SequentialReader secondReader{second->file, second->values.st_size, Way::onMedium};
+    const AlignedBuffer firstBuffer{directTransferSize};
+    const AlignedBuffer secondBuffer{directTransferSize};
+    for (;;) {
+        if (stop.stop_requested()) return Failure{fileError(file, ECANCELED)};
+        const auto firstBytes = firstReader.next(firstBuffer);
+        if (!firstBytes) return Failure{fileError(file)};
+        const auto secondBytes = secondReader.next(secondBuffer);
+        if (!secondBytes) return Failure{fileError(onMedium)};
+        if (*firstBytes != *secondBytes) return false;
+        if (firstBytes->empty()) return true;
+    }
 }
 
 } // namespace kelvara

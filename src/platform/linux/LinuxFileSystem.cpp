@@ -61,6 +61,11 @@ Result<void, FileError> LinuxFileSystem::createFolders(const FileURL& folder) {
     return {};
 }
 
+Result<void, FileError> LinuxFileSystem::syncNames(const FileURL& folder) {
+    if (!syncFolder(folder)) return Failure{fileError(folder)};
+    return {};
+}
+
 Result<void, FileError> LinuxFileSystem::removeFile(const FileURL& url) {
     if (::unlink(url.path().c_str()) != 0) return Failure{fileError(url)};
     return {};

@@ -1,0 +1,77 @@
+#include "cli/PictureCommand.h"
+
+#include "cli/InterruptWatch.h"
+#include "cli/MediaFolder.h"
+#include "cli/PictureEncoder.h"
+#include "imaging/ImageDecoder.h"
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <fmt/format.h>
+
+namespace kelvara::cli {
+
+namespace {
+
+bool isPNG(const FileURL& output) { return CLI::detail::to_lower(std::string{output.extension()}) == "png"; }
+
+std::string checkExtension(const std::string& path) {
+    const auto extension = CLI::detail::to_lower(std::filesystem::path{path}.extension().native());
+    const bool isKnown = extension == ".png" || extension == ".jpg" || extension == ".jpeg";
+    return isKnown ? std::string{} : "The name must end in .jpg, .jpeg or .png";
+}
+
+bool isSameFile(const FileURL& a, const FileURL& b) {
+    std::error_code ignored;
+    return a == b || std::filesystem::equivalent(a.path(), b.path(), ignored);
+}
+
+} // namespace
+
+PictureCommand::PictureCommand(CLI::App& app, const std::string& name, const std::string& description,
+                               FileSystem& files)
+    : Command{app, name, description}, m_files{files} {
+    m_command->add_option("FILE", m_file, "A photo or video")->required();
+    m_command->add_option("--output", m_output, "Where to write it: a JPEG or PNG, by the name's extension")
+        ->required()
+        ->check(checkExtension)
+        ->option_text("OUTPUT");
+}
+
+ExitCode PictureCommand::make(std::optional<int> size, const Change& change) const {
+    const auto fail = [](const std::string& text) { return printError(printable(text)), ExitCode::failure; };
+    const auto file = readableFile(m_file);
+    if (!file) return printError(file.error().text), file.error().code;
+    const auto output = resolved(m_output);
+    if (!output) return printError(output.error().text), output.error().code;
+    if (isSameFile(*file, *output)) return fail("A photo can't be replaced by a picture made of it.");
+
+    const InterruptWatch interrupt;
+    const auto& stop = interrupt.token();
+    // Where no screen has been seen, the display's colours are sRGB.
+    const auto original =
+        ImageDecoder::prepareForDisplay(ImageDecoder::decodeOriginal(*file, size, stop), stop);
+    const auto picture = original ? change(original, stop) : nullptr;
+    if (stop.stop_requested()) return printError("Cancelled"), ExitCode::interrupted;
+    if (!original) {
+        return fail(
+            fmt::format("Can't read {}. The file may be damaged or in an unsupported format.", file->name()));
+    }
+    if (!picture) return fail("There is not enough memory.");
+    const auto bytes = isPNG(*output) ? encodedPNG(*picture) : encodedJPEG(*picture);
+    if (!bytes) return fail("The picture couldn't be encoded.");
+    if (const auto written = m_files.writeFileAtomically(*output, *bytes); !written) {
+        return fail(message(written.error()));
+    }
+    if (m_asJSON) {
+        JSON json;
+        setPath(json, "file", "fileURL", *file);
+        setPath(json, "output", "outputURL", *output);
+        json["width"] = picture->width();
+        json["height"] = picture->height();
+        printJSON(json);
+    }
+    return ExitCode::success;
+}
+
+} // namespace kelvara::cli

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "async/Executor.h"
+#include "async/LatestOnly.h"
+#include "model/FileURL.h"
+#include "model/LightAdjustments.h"
+#include "model/Observable.h"
+#include "platform/FileSystem.h"
+#include "presets/DevelopPreset.h"
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <unordered_map>
+
+namespace kelvara {
+
+enum class EditProperty { adjustments, copiedAdjustments, count };
+
+/// The light edits of all photos, kept in one JSON file. They belong to the stem key, so that the files of a
+/// shot share them. Main thread.
+///
+/// The file is read in the background at first; edits made before it is there win. Changes are written once
+/// there has been none for half a second. What can't be written stays in memory and is tried again with the
+/// next change and at the end; a file that makes no sense is put aside under another name.
+class EditStore : public Observable<EditProperty> {
+public:
+    static constexpr std::chrono::milliseconds saveDelay{500};
+    /// Runs a job on the main thread after a time.
+    using Alarm = std::function<void(std::chrono::milliseconds, std::function<void()>)>;
+
+    /// `files` and the executors outlive it. `writer` runs one job after the other.
+    EditStore(FileSystem& files, FileURL fileURL, Executor& writer, Executor& main, Alarm alarm);
+    /// Saves what has not been saved.
+    ~EditStore();
+
+    /// Where the edits are kept: "Edits.json".
+    [[nodiscard]] const FileURL& fileURL() const { return m_fileURL; }
+
+    /// Empty for a photo without edits.
+    [[nodiscard]] LightAdjustments adjustments(const FileURL& photo) const;
+    void setAdjustments(const LightAdjustments& adjustments, const FileURL& photo);
+
+    [[nodiscard]] const std::optional<LightAdjustments>& copiedAdjustments() const { return m_copied; }
+    void copyAdjustments(const FileURL& photo);
+    /// Gives each photo the edits that were copied, if any were.
+    void pasteAdjustments(std::span<const FileURL> photos);
+
+    /// What a photo is drawn with: the chosen preset with the photo's edits. Equal edits of one preset have
+    /// one revision.
+    [[nodiscard]] std::optional<DevelopPreset> exportLook(const std::optional<DevelopPreset>& preset,
+                                                          const FileURL& photo) const;
+
+private:
+    using Edits = std::unordered_map<FileURL, LightAdjustments>;
+
+    static Edits read(FileSystem& files, const FileURL& url);
+    void merge(Edits stored);
+    void store(const LightAdjustments& adjustments, const FileURL& photo);
+    void scheduleSave();
+    void save();
+
+    FileSystem& m_files;
+    FileURL m_fileURL;
+    Executor& m_writer;
+    Executor& m_main;
+    Alarm m_alarm;
+    LatestOnly m_loading;
+    Edits m_adjustments; // until the file is read also those made empty
+    std::optional<LightAdjustments> m_copied;
+    bool m_isLoaded = false;
+    bool m_needsSave = false;
+    std::uint64_t m_changes = 0;
+    std::shared_ptr<EditStore*> m_self = std::make_shared<EditStore*>(this); // gone with it
+};
+
+} // namespace kelvara

@@ -1,0 +1,138 @@
+#include "services/CopyBatch.h"
+
+#include "services/CopyNames.h"
+#include "text/Localized.h"
+
+#include <fmt/format.h>
+#include <unordered_map>
+
+namespace kelvara {
+
+namespace {
+
+// Beyond these, waiting together saves nothing more; below, the user sees the progress move.
+constexpr std::size_t maximumFiles = 128;
+constexpr std::int64_t maximumBytes = 8'000'000;
+constexpr std::chrono::milliseconds maximumAge{200};
+
+Failure<std::string> sidecarFailure(const FileError& error) {
+    return Failure{fmt::format(fmt::runtime(localized("The rating sidecar couldn't be copied: {}.")),
+                               localized(error.code.message()))};
+}
+
+} // namespace
+
+void CopyService::Batch::add(const Plan& plan, std::optional<Rating> rating) {
+    if (m_entries.empty()) m_start = std::chrono::steady_clock::now();
+    auto& entry = m_entries.emplace_back(Entry{plan, rating, Skipped{}});
+    if (std::holds_alternative<Plan::Copy>(plan.action)) {
+        entry.outcome = Copied{plan.size};
+        if (const auto written = write(entry); !written) {
+            entry.outcome = Failed{failureReason(written.error(), plan)};
+        }
+        m_bytes = saturatingSum(m_bytes, plan.size);
+    }
+}
+
+bool CopyService::Batch::isFull() const {
+    return m_entries.size() >= maximumFiles || m_bytes >= maximumBytes ||
+           (!m_entries.empty() && std::chrono::steady_clock::now() - m_start >= maximumAge);
+}
+
+std::vector<CopyService::Finished> CopyService::Batch::finish() {
+    for (auto& entry : m_entries) {
+        if (!entry.photo) continue;
+        if (const auto settled = settle(entry); !settled) {
+            entry.outcome = Failed{failureReason(settled.error(), entry.plan)};
+        }
+        entry.photo.reset();
+    }
+    // A skipped file's sidecar is carried along too: the earlier copy may have been made without one.
+    for (auto& entry : m_entries) {
+        if (std::holds_alternative<Failed>(entry.outcome)) continue;
+        if (const auto written = writeSidecar(entry); !written) entry.outcome = Failed{written.error()};
+    }
+    for (auto& entry : m_entries) {
+        if (!entry.sidecar) continue;
+        if (const auto settled = settleSidecar(entry); !settled) entry.outcome = Failed{settled.error()};
+        entry.sidecar.reset();
+    }
+    syncNames();
+
+    std::vector<Finished> finished;
+    finished.reserve(m_entries.size());
+    for (auto& entry : m_entries) finished.push_back({entry.plan, std::move(entry.outcome)});
+    m_entries.clear();
+    m_bytes = 0;
+    return finished;
+}
+
+Result<void, CopyService::CopyError> CopyService::Batch::write(Entry& entry) const {
+    const auto& plan = entry.plan;
+    const auto reading =
+        std::get<Plan::Copy>(plan.action).isVerified ? CopyReading::hashed : CopyReading::none;
+    // Files in progress finish when the job is cancelled, so that none is copied half for nothing.
+    auto copied = m_service.m_files.copyFile(plan.source, temporaryURL(plan.destination), reading, {});
+    if (!copied) return Failure{CopyError{copied.error()}};
+    const auto size = (*copied)->size();
+    if (!size || *size != plan.size) return Failure{CopyError{SizeMismatch{}}};
+    entry.photo = std::move(*copied);
+    return {};
+}
+
+Result<void, CopyService::CopyError> CopyService::Batch::settle(Entry& entry) const {
+    if (const auto synced = entry.photo->sync(); !synced) return Failure{CopyError{synced.error()}};
+    if (std::get<Plan::Copy>(entry.plan.action).isVerified) {
+        const auto intact = entry.photo->isIntact();
+        if (!intact) return Failure{CopyError{intact.error()}};
+        if (!*intact) return Failure{CopyError{ContentsMismatch{}}};
+    }
+    const auto placed = entry.photo->place(entry.plan.destination);
+    if (!placed) return Failure{CopyError{placed.error()}};
+    entry.hasNewName = true;
+    return {};
+}
+
+Result<void, std::string> CopyService::Batch::writeSidecar(Entry& entry) const {
+    const auto& plan = entry.plan;
+    if (!plan.isRaw) return {};
+    const auto sidecar = plan.destination.stemKey();
+    if (m_service.m_files.status(sidecar)) return {}; // what is there stays
+    if (!plan.sourceSidecar) {
+        if (!entry.rating || *entry.rating == Rating{} || !m_service.m_writeSidecar) return {};
+        return m_service.m_writeSidecar(sidecar, *entry.rating);
+    }
+    // Two RAW files of one shot carry the same sidecar, perhaps at the same moment: each by a temporary file
+    // of its own. The sidecar may have been rewritten since the plan was made, so no size is expected of it.
+    auto copied = m_service.m_files.copyFile(
+        *plan.sourceSidecar, temporaryURL(plan.destination.appendingExtension("xmp")), CopyReading::none, {});
+    if (!copied) return sidecarFailure(copied.error());
+    entry.sidecar = std::move(*copied);
+    return {};
+}
+
+Result<void, std::string> CopyService::Batch::settleSidecar(Entry& entry) const {
+    auto settled = entry.sidecar->sync();
+    if (settled) settled = entry.sidecar->place(entry.plan.destination.stemKey());
+    entry.hasNewName |= settled.hasValue();
+    // One that is there now is the shot's other RAW file's.
+    if (!settled && settled.error().code != std::errc::file_exists) return sidecarFailure(settled.error());
+    return {};
+}
+
+void CopyService::Batch::syncNames() {
+    std::unordered_map<FileURL, Result<void, FileError>> folders;
+    for (auto& entry : m_entries) {
+        if (!entry.hasNewName || std::holds_alternative<Failed>(entry.outcome)) continue;
+        const auto folder = entry.plan.destination.parent();
+        auto synced = folders.find(folder);
+        if (synced == folders.end()) {
+            synced = folders.emplace(folder, m_service.m_files.syncNames(folder)).first;
+        }
+        if (!synced->second) {
+            entry.outcome = Failed{failureReason(CopyError{synced->second.error()}, entry.plan)};
+        }
+    }
+}
+
+} // namespace kelvara

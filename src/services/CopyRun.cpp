@@ -1,0 +1,53 @@
+#include "services/CopyRun.h"
+
+#include "services/CopyBatch.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace kelvara {
+
+CopyService::Run::Run(const CopyService& service, const std::vector<Plan>& plans, const Ratings& ratings,
+                      const std::stop_token& stop)
+    : m_service{service}, m_plans{plans}, m_ratings{ratings}, m_stop{stop}, m_running{
+                                                                                std::min(maximumInFlight,
+                                                                                         plans.size())} {
+    for (std::size_t i = 0, count = m_running; i < count; ++i) m_threads.emplace_back([this] { work(); });
+}
+
+std::optional<CopyService::Finished> CopyService::Run::next() {
+    std::unique_lock lock{m_mutex};
+    m_changed.wait(lock, [this] { return !m_finished.empty() || m_running == 0; });
+    if (m_finished.empty()) return std::nullopt;
+    auto finished = std::move(m_finished.front());
+    m_finished.pop_front();
+    return finished;
+}
+
+void CopyService::Run::work() {
+    Batch batch{m_service};
+    while (const auto* plan = take()) {
+        const auto rating = m_ratings.find(plan->source);
+        batch.add(*plan, rating == m_ratings.end() ? std::nullopt : std::optional{rating->second});
+        if (batch.isFull()) give(batch.finish());
+    }
+    give(batch.finish());
+    const std::scoped_lock lock{m_mutex};
+    --m_running;
+    m_changed.notify_one();
+}
+
+/// The next plan to begin; null when there is none.
+const CopyService::Plan* CopyService::Run::take() {
+    const std::scoped_lock lock{m_mutex};
+    if (m_begun == m_plans.size() || m_stop.stop_requested()) return nullptr;
+    return &m_plans[m_begun++];
+}
+
+void CopyService::Run::give(std::vector<Finished> finished) {
+    const std::scoped_lock lock{m_mutex};
+    std::move(finished.begin(), finished.end(), std::back_inserter(m_finished));
+    m_changed.notify_one();
+}
+
+} // namespace kelvara

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "library/LibraryViewModel.h"
+
+#include <QWidget>
+
+class QCheckBox;
+class QLabel;
+class QPushButton;
+
+namespace kelvara {
+
+class DeletePreviewStrip;
+class ThumbnailService;
+
+/// What a sheet asks before photos go: made while the library has a `pendingDeletion`, and answers it.
+class DeleteSheet : public QWidget {
+    Q_OBJECT
+
+public:
+    /// Both outlive it; see `DeletePreviewStrip` for `thumbnails`.
+    DeleteSheet(LibraryViewModel& library, ThumbnailService* thumbnails, QWidget* parent = nullptr);
+
+    [[nodiscard]] QPushButton* cancelButton() const { return m_cancel; }
+    [[nodiscard]] QPushButton* deleteButton() const { return m_delete; }
+    /// What Return presses: what can't be undone takes more than that.
+    [[nodiscard]] QPushButton* defaultButton() const;
+    [[nodiscard]] bool isLoading() const;
+
+private:
+    void refreshNote();
+
+    LibraryViewModel& m_library;
+    DeletePreviewStrip* m_strip;
+    QCheckBox* m_paired = nullptr; // only where there are paired files
+    QLabel* m_note;
+    QPushButton* m_cancel;
+    QPushButton* m_delete;
+};
+
+} // namespace kelvara
