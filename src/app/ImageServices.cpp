@@ -14,7 +14,8 @@ ImageServices::ImageServices(Executor& main)
     : m_decoding{decodingThreads()}, m_rendering{2}, m_lanes{m_decoding, decodingThreads() - 1},
       m_thumbnails{ImageExecutors{m_lanes.urgent(), m_lanes.background(), main}},
       m_previews{ImageExecutors{m_lanes.urgent(), m_lanes.background(), main}, m_thumbnails},
-      m_metadata{ImageExecutors{m_lanes.urgent(), m_lanes.background(), main}} {}
+      m_metadata{ImageExecutors{m_lanes.urgent(), m_lanes.background(), main}}, m_presetTiles{m_rendering,
+                                                                                              main} {}
 
 ImageServices::~ImageServices() {
     // The threads first, because what they are at still ends in the services; but the pools stay, because the
@@ -31,11 +32,13 @@ void ImageServices::emptyCaches() {
 void ImageServices::emptyPictureCaches() {
     m_thumbnails.emptyCaches();
     m_previews.emptyCaches();
+    m_presetTiles.emptyCaches();
 }
 
 void ImageServices::shrinkCaches() {
     m_thumbnails.shrinkCache();
     m_previews.shrinkCache();
+    m_presetTiles.shrinkCache();
 }
 
 } // namespace kelvara

@@ -3,6 +3,7 @@
 #include "async/PriorityLanes.h"
 #include "async/ThreadPool.h"
 #include "services/MetadataService.h"
+#include "services/PresetTileService.h"
 #include "services/PreviewService.h"
 #include "services/ThumbnailService.h"
 
@@ -20,6 +21,7 @@ public:
     [[nodiscard]] ThumbnailService& thumbnails() { return m_thumbnails; }
     [[nodiscard]] PreviewService& previews() { return m_previews; }
     [[nodiscard]] MetadataService& metadata() { return m_metadata; }
+    [[nodiscard]] PresetTileService& presetTiles() { return m_presetTiles; }
     /// For preparing large pictures off the main thread.
     [[nodiscard]] Executor& rendering() { return m_rendering; }
     /// The files may be others from now on.
@@ -36,6 +38,7 @@ private:
     ThumbnailService m_thumbnails;
     PreviewService m_previews;
     MetadataService m_metadata;
+    PresetTileService m_presetTiles;
 };
 
 } // namespace kelvara

@@ -3,6 +3,7 @@
 #include "views/LoupeView.h"
 #include "views/MetadataInspector.h"
 #include "views/PhotoGridView.h"
+#include "views/PresetInspector.h"
 
 #include <QApplication>
 #include <QDBusConnection>
@@ -41,6 +42,15 @@ KelvaraApp::KelvaraApp(const Options& options)
       m_locale{QLocale{}.bcp47Name().toStdString()}, m_volumeService{m_volumes, m_locale},
       m_sidecars{m_files}, m_copier{m_files, sidecarWriter(m_sidecars)}, m_images{m_main},
       m_memoryPressure{[this] { m_images.shrinkCaches(); }}, m_background{backgroundThreads},
+      m_presetWatch{m_main}, m_presets{{.files = m_files,
+                                        .trash = m_trash,
+                                        .watch = m_presetWatch,
+                                        .desktop = m_desktop,
+                                        .preferences = m_preferences,
+                                        .background = m_background,
+                                        .main = m_main,
+                                        .folder = options.presetFolder,
+                                        .collationLocale = m_locale}},
       m_sidecarWrites{1, ThreadPool::AtEnd::finish}, m_sideWindows{m_settings, QUrl{QStringLiteral(
                                                                                    KELVARA_SUPPORT_URL)}} {
     const LibraryServices services{.files = m_files,
@@ -59,14 +69,15 @@ KelvaraApp::KelvaraApp(const Options& options)
                                    .collationLocale = m_locale};
     m_analytics.record(AppStarted{});
     m_library = std::make_unique<LibraryViewModel>(services, options.folder);
-    m_window = std::make_unique<RootView>(*m_library, m_preferences, m_desktop, m_sideWindows, makeCanvases(),
-                                          [this](const FileURL& path) { openDropped(path); });
+    m_window = std::make_unique<RootView>(*m_library, m_presets, m_preferences, m_desktop, m_sideWindows,
+                                          makeCanvases(), [this](const FileURL& path) { openDropped(path); });
     m_folderChooser.setWindow(m_window.get());
     QObject::connect(m_grid, &PhotoGridView::photoMenuRequested, m_window.get(), &RootView::showPhotoMenu);
     QObject::connect(m_loupe, &LoupeView::photoMenuRequested, m_window.get(), &RootView::showPhotoMenu);
     m_copyActivity =
         std::make_unique<CopyActivity>(*m_library, m_launcherProgress, m_sleepInhibitor, m_notifier,
                                        [] { return QApplication::activeWindow() != nullptr; });
+    connectPresets();
     m_screenColors = std::make_unique<ScreenColorSpaceObserver>(
         *m_window, QDBusConnection::systemBus(), m_files, m_background, m_main, [this] { reloadPictures(); });
     if (!options.folder.isEmpty())
@@ -82,20 +93,33 @@ PhotoCanvases KelvaraApp::makeCanvases() {
     m_loupe = new LoupeView{*m_library,          m_images.thumbnails(), m_images.previews(),
                             m_images.metadata(), m_images.rendering(),  m_main};
     auto* info = new MetadataInspector{*m_library, m_images.metadata()};
+    m_presetInspector =
+        new PresetInspector{*m_library, m_presets, m_images.thumbnails(), m_images.presetTiles()};
     return {.grid = m_grid,
             .setThumbnailSize = [grid = m_grid](double side) { grid->setThumbnailSize(side); },
             .isGridLoading = [grid = m_grid] { return grid->isLoading(); },
             .loupe = m_loupe,
             .isLoupeLoading = [loupe = m_loupe] { return loupe->isLoading(); },
-            .inspector = {.info = info},
-            .isInspectorLoading = [info] { return info->isLoading(); },
+            .inspector = {.info = info, .presets = m_presetInspector},
+            .isInspectorLoading =
+                [info, presets = m_presetInspector] { return info->isLoading() || presets->isLoading(); },
             .thumbnails = &m_images.thumbnails()};
+}
+
+void KelvaraApp::connectPresets() {
+    using View = PresetInspector;
+    QObject::connect(m_presetInspector, &View::filesRequested, m_window.get(), &RootView::choosePresetFiles);
+    QObject::connect(m_presetInspector, &View::folderRequested, m_window.get(),
+                     &RootView::choosePresetFolder);
+    QObject::connect(m_presetInspector, &View::removalRequested, m_window.get(),
+                     &RootView::confirmPresetRemoval);
 }
 
 void KelvaraApp::reloadPictures() {
     m_images.emptyPictureCaches();
     m_grid->reloadThumbnails();
     m_loupe->reloadPictures();
+    m_presetInspector->reloadPictures();
 }
 
 void KelvaraApp::openDropped(const FileURL& path) {

@@ -12,12 +12,14 @@
 #include "platform/linux/LauncherProgress.h"
 #include "platform/linux/LinuxDesktop.h"
 #include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/LinuxFolderWatch.h"
 #include "platform/linux/LinuxTrash.h"
 #include "platform/linux/LogindInhibitor.h"
 #include "platform/linux/MemoryPressure.h"
 #include "platform/linux/QtMainExecutor.h"
 #include "platform/linux/SettingsPreferences.h"
 #include "platform/linux/UDisksVolumes.h"
+#include "presets/PresetStore.h"
 #include "services/CopyService.h"
 #include "services/VolumeService.h"
 #include "services/XMPService.h"
@@ -34,6 +36,7 @@ namespace kelvara {
 
 class LoupeView;
 class PhotoGridView;
+class PresetInspector;
 
 /// Makes everything the application consists of, once, and puts it together.
 class KelvaraApp {
@@ -41,6 +44,7 @@ public:
     struct Options {
         FileURL folder;          ///< Opened at start; empty for the remembered one.
         QString preferencesPath; ///< The file of the settings.
+        FileURL presetFolder;    ///< Of imported presets.
         bool countsUsage = true; ///< Where the settings allow it, too.
     };
 
@@ -53,6 +57,7 @@ public:
 
 private:
     PhotoCanvases makeCanvases();
+    void connectPresets();
     void openDropped(const FileURL& path);
     /// All pictures in memory are in the colours of the old screen.
     void reloadPictures();
@@ -78,12 +83,15 @@ private:
     ImageServices m_images;
     MemoryPressure m_memoryPressure;
     ThreadPool m_background;
+    LinuxFolderWatch m_presetWatch;
+    PresetStore m_presets;
     ThreadPool m_sidecarWrites;
     SideWindows m_sideWindows;
     std::unique_ptr<LibraryViewModel> m_library;
     std::unique_ptr<RootView> m_window;
-    PhotoGridView* m_grid = nullptr; // the window's
-    LoupeView* m_loupe = nullptr;    // the window's
+    PhotoGridView* m_grid = nullptr;              // the window's
+    LoupeView* m_loupe = nullptr;                 // the window's
+    PresetInspector* m_presetInspector = nullptr; // the window's
     std::unique_ptr<CopyActivity> m_copyActivity;
     std::unique_ptr<ScreenColorSpaceObserver> m_screenColors;
     Subscription m_gridInfo;

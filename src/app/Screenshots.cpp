@@ -1,5 +1,6 @@
 #include "app/Screenshots.h"
 
+#include "presets/PresetStore.h"
 #include "views/SideWindow.h"
 
 #include <QApplication>
@@ -38,6 +39,18 @@ template <typename Predicate> void openFirst(LibraryViewModel& library, Predicat
 
 void openPhoto(LibraryViewModel& library, RootView&) {
     openFirst(library, [](const PhotoItem& item) { return item.kind() == MediaKind::raw; });
+}
+
+void showPresets(LibraryViewModel& library) {
+    if (library.inspectorTab() != InspectorTab::presets) library.toggleInspector(InspectorTab::presets);
+}
+
+void leavePresets(LibraryViewModel& library, RootView& root) {
+    root.presets().setSearchText({});
+    root.presets().select({});
+    root.presets().setAmount(1);
+    library.toggleInspector(InspectorTab::info);
+    library.showGrid();
 }
 
 void toggleMarks(LibraryViewModel& library) {
@@ -123,6 +136,26 @@ std::vector<Screenshots::State> Screenshots::allStates() {
              openFirst(library, [](const PhotoItem& item) { return item.url.name() == "noise.CR3"; });
          },
          backToGrid},
+        {QStringLiteral("presets"),
+         [](auto& library, auto& root) {
+             openPhoto(library, root);
+             showPresets(library);
+             root.presets().select("builtin/amber-and-teal");
+             root.presets().setAmount(0.8);
+         },
+         leavePresets},
+        {QStringLiteral("presets-search"),
+         [](auto& library, auto& root) {
+             showPresets(library);
+             root.presets().setSearchText("warm");
+         },
+         leavePresets},
+        {QStringLiteral("presets-no-matches"),
+         [](auto& library, auto& root) {
+             showPresets(library);
+             root.presets().setSearchText("sunset");
+         },
+         leavePresets},
         window(QStringLiteral("settings"), Kind::showSettings),
         window(QStringLiteral("shortcuts"), Kind::showShortcuts),
         window(QStringLiteral("support"), Kind::showSupport),

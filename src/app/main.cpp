@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFile>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -108,6 +109,13 @@ QString preferencesPath() {
            QStringLiteral("/kelvara/kelvara.conf");
 }
 
+/// Where the user's presets are kept.
+kelvara::FileURL presetFolder(const QString& data) {
+    return kelvara::FileURL::standardized(QFile::encodeName(data).toStdString())
+        .child("kelvara")
+        .child("Presets");
+}
+
 constexpr std::string_view appearanceKey = "lastAppearance";
 
 /// Starts in the look the desktop last asked for, so that nothing flashes, and follows it from then on.
@@ -148,9 +156,14 @@ int main(int argumentCount, char** argumentValues) {
             QStringLiteral("copyDestination"), scratch.filePath(QStringLiteral("Selects")));
     }
     kelvara::applyTheme(application, arguments.appearance.value_or(Theme::Appearance::dark));
-    kelvara::KelvaraApp app{{.folder = arguments.folder,
-                             .preferencesPath = takesScreenshots ? scratchPreferences : preferencesPath(),
-                             .countsUsage = !takesScreenshots}};
+    kelvara::KelvaraApp app{
+        {.folder = arguments.folder,
+         .preferencesPath =
+             takesScreenshots ? scratch.filePath(QStringLiteral("kelvara.conf")) : preferencesPath(),
+         .presetFolder = presetFolder(
+             takesScreenshots ? scratch.path()
+                              : QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)),
+         .countsUsage = !takesScreenshots}};
     kelvara::DesktopAppearance desktop{QDBusConnection::sessionBus()};
     QObject::connect(&desktop, &kelvara::DesktopAppearance::reducedMotionChanged, &kelvara::setReducedMotion);
     if (!arguments.appearance && !takesScreenshots) followDesktop(desktop, application, app.preferences());

@@ -90,6 +90,8 @@ CommandState commandState(const WindowCommand& command, const LibraryViewModel& 
     case Kind::toggleFullScreen:
         return {window.isFullScreen() ? tr("Leave Full Screen") : tr("Full Screen")};
 
+    case Kind::importPresets:
+        return {tr("Import Presets…")};
     case Kind::showAbout:
         return {tr("About Kelvara")};
     case Kind::showSettings:
@@ -109,8 +111,6 @@ CommandState commandState(const WindowCommand& command, const LibraryViewModel& 
         return {pasteTitle(library), false};
     case Kind::share:
         return {tr("Share…"), false};
-    case Kind::importPresets:
-        return {tr("Import Presets…"), false};
 
     case Kind::moveLeft:
     case Kind::moveRight:
@@ -119,6 +119,8 @@ CommandState commandState(const WindowCommand& command, const LibraryViewModel& 
     case Kind::goBack:
     case Kind::focusPhotos:
     case Kind::toggleOverlays:
+    case Kind::previousPreset:
+    case Kind::nextPreset:
     case Kind::openMenus:
         break; // keys only
     }

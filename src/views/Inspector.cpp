@@ -13,7 +13,7 @@ namespace kelvara {
 
 namespace {
 
-constexpr int narrowest = 232;
+constexpr int narrowest = 248; // the names of the tabs
 constexpr int symbolSide = 40;
 
 struct Tab {

@@ -5,10 +5,12 @@
 #include "views/ClosingSheet.h"
 #include "views/CopySheet.h"
 #include "views/DeleteSheet.h"
+#include "views/DropFrame.h"
 #include "views/EmptyState.h"
-#include "views/LocalURL.h"
 #include "views/MainMenu.h"
 #include "views/PhotoCommands.h"
+#include "views/PresetImportDialog.h"
+#include "views/PresetSheets.h"
 #include "views/Sheet.h"
 #include "views/SideWindow.h"
 #include "views/SideWindows.h"
@@ -19,12 +21,11 @@
 #include <QApplication>
 #include <QDragEnterEvent>
 #include <QKeyEvent>
-#include <QMimeData>
-#include <QPainter>
 #include <QScreen>
 #include <QSplitter>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 namespace kelvara {
@@ -37,43 +38,17 @@ constexpr int usualSidebarWidth = 244;
 constexpr std::string_view frameKey = "windowFrame";
 constexpr std::string_view sidebarKey = "sidebarWidth";
 
-/// Shows that the window takes what is dragged over it.
-class DropFrame : public QWidget {
-public:
-    explicit DropFrame(QWidget* parent) : QWidget{parent} {
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-        hide();
-    }
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        const auto& theme = Theme::current();
-        auto veil = theme.accent;
-        veil.setAlpha(0x18);
-        QPainter painter{this};
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen{theme.accent, 3});
-        painter.setBrush(veil);
-        painter.drawRoundedRect(QRectF{rect()}.adjusted(6, 6, -6, -6), radius::sheet, radius::sheet);
-    }
-};
-
-/// The first local path that is dragged in; the file system is not asked. Empty for the window's own photos,
-/// which are on their way to another program.
-FileURL droppedPath(const QDropEvent& event) {
-    if (event.source()) return {};
-    for (const auto& url : event.mimeData()->urls()) {
-        if (url.isLocalFile()) return fromQUrl(url);
-    }
-    return {};
+/// What is dragged in from elsewhere. The window's own photos are on their way to another program.
+std::vector<FileURL> foreignPaths(const QDropEvent& event) {
+    return event.source() ? std::vector<FileURL>{} : droppedPaths(*event.mimeData());
 }
 
 } // namespace
 
-RootView::RootView(LibraryViewModel& library, Preferences& preferences, Desktop& desktop,
-                   SideWindows& sideWindows, PhotoCanvases canvases,
+RootView::RootView(LibraryViewModel& library, PresetStore& presets, Preferences& preferences,
+                   Desktop& desktop, SideWindows& sideWindows, PhotoCanvases canvases,
                    std::function<void(const FileURL&)> onDrop)
-    : m_library{library}, m_preferences{preferences}, m_desktop{desktop},
+    : m_library{library}, m_presets{presets}, m_preferences{preferences}, m_desktop{desktop},
       m_sideWindows{sideWindows}, m_onDrop{std::move(onDrop)}, m_thumbnails{canvases.thumbnails} {
     setMinimumSize(smallestSize);
     setAcceptDrops(true);
@@ -102,10 +77,12 @@ RootView::RootView(LibraryViewModel& library, Preferences& preferences, Desktop&
     m_deleteSheetFrame = new Sheet{this};
     m_alertFrame = new Sheet{this};
     m_closingFrame = new Sheet{this};
+    m_presetFrame = new Sheet{this};
     m_frameGuard = new WindowFrameGuard{*this};
     m_copySheet = new CopySheet{library, desktop, *m_copySheetFrame, this};
     m_closingSheet = new ClosingSheet{library, *m_closingFrame, *this};
-    for (auto* sheet : {m_copySheetFrame, m_deleteSheetFrame, m_alertFrame, m_closingFrame}) {
+    m_presetSheets = new PresetSheets{presets, *m_presetFrame, this};
+    for (auto* sheet : {m_copySheetFrame, m_deleteSheetFrame, m_alertFrame, m_closingFrame, m_presetFrame}) {
         connect(sheet, &Sheet::didShowOrHide, m_menu, [this] {
             m_menu->setEnabled(!hasSheet());
             m_menu->refresh();
@@ -176,27 +153,27 @@ void RootView::changeEvent(QEvent* event) {
 }
 
 void RootView::dragEnterEvent(QDragEnterEvent* event) {
-    if (hasSheet() || droppedPath(*event).isEmpty()) return;
+    if (hasSheet() || foreignPaths(*event).empty()) return;
     event->setDropAction(Qt::LinkAction); // nothing is moved or copied
     event->accept();
-    m_dropFrame->setGeometry(rect());
-    m_dropFrame->raise();
-    m_dropFrame->show();
+    m_dropFrame->showOverParent();
 }
 
 void RootView::dragLeaveEvent(QDragLeaveEvent*) { m_dropFrame->hide(); }
 
 void RootView::dropEvent(QDropEvent* event) {
     m_dropFrame->hide();
-    if (const auto path = droppedPath(*event); !path.isEmpty()) {
-        event->acceptProposedAction();
-        m_onDrop(path);
-    }
+    const auto paths = foreignPaths(*event);
+    if (paths.empty()) return;
+    event->acceptProposedAction();
+    // Presets come in wherever they are dropped; anything else stands for a folder of photos.
+    auto presets = presetFilesAmong(paths);
+    presets.empty() ? m_onDrop(paths.front()) : importPresets(std::move(presets));
 }
 
 bool RootView::hasSheet() const {
-    return m_copySheetFrame->isVisible() || m_deleteSheetFrame->isVisible() || m_alertFrame->isVisible() ||
-           m_closingFrame->isVisible();
+    const auto sheets = {m_copySheetFrame, m_deleteSheetFrame, m_alertFrame, m_closingFrame, m_presetFrame};
+    return std::ranges::any_of(sheets, [](const auto* sheet) { return sheet->isVisible(); });
 }
 
 bool RootView::isSettled() const {
@@ -272,6 +249,10 @@ void RootView::perform(const WindowCommand& command) {
         return m_library.toggleInspector(InspectorTab::edit);
     case Kind::togglePresets:
         return m_library.toggleInspector(InspectorTab::presets);
+    case Kind::previousPreset:
+        return stepPreset(false);
+    case Kind::nextPreset:
+        return stepPreset(true);
     case Kind::toggleOverlays:
         return m_library.setShowsLoupeOverlays(!m_library.showsLoupeOverlays());
     case Kind::openFolder:
@@ -294,8 +275,9 @@ void RootView::perform(const WindowCommand& command) {
     case Kind::copyEdits:
     case Kind::pasteEdits:
     case Kind::share:
-    case Kind::importPresets:
         return; // see commandState
+    case Kind::importPresets:
+        return choosePresetFiles();
     case Kind::quit:
         close();
         return;
@@ -309,6 +291,31 @@ void RootView::showPhotoMenu(const QPoint& screenPoint) {
     menu->refresh([this](const WindowCommand& command) { return commandState(command, m_library, *this); });
     menu->popup(screenPoint);
 }
+
+bool RootView::showsPresets() const {
+    return m_library.showsInspector() && m_library.inspectorTab() == InspectorTab::presets;
+}
+
+void RootView::stepPreset(bool forward) {
+    // Nothing that shows a preset, nothing to step through.
+    if (m_library.viewMode() != ViewMode::loupe && !showsPresets()) return;
+    forward ? m_presets.selectNext() : m_presets.selectPrevious();
+}
+
+void RootView::importPresets(std::vector<FileURL> sources) {
+    if (!showsPresets()) m_library.toggleInspector(InspectorTab::presets);
+    m_presets.importPresets(std::move(sources));
+}
+
+void RootView::choosePresetFiles() {
+    kelvara::choosePresetFiles(*this, [this](auto sources) { importPresets(std::move(sources)); });
+}
+
+void RootView::choosePresetFolder() {
+    kelvara::choosePresetFolder(*this, [this](auto sources) { importPresets(std::move(sources)); });
+}
+
+void RootView::confirmPresetRemoval(const std::string& presetID) { m_presetSheets->confirmRemoval(presetID); }
 
 void RootView::goBack() {
     if (keyFocus(focusWidget()) != KeyFocus::photos) return m_library.requestKeyFocus();

@@ -11,7 +11,10 @@ namespace kelvara {
 class ClosingSheet;
 class CopySheet;
 class DeleteSheet;
+class DropFrame;
 class MainMenu;
+class PresetSheets;
+class PresetStore;
 class Sheet;
 class SideWindows;
 class ThumbnailService;
@@ -24,13 +27,19 @@ class RootView : public QWidget {
 public:
     /// `onDrop` is told the path that a person dropped onto the window; it may be a file. References outlive
     /// the window.
-    RootView(LibraryViewModel& library, Preferences& preferences, Desktop& desktop, SideWindows& sideWindows,
-             PhotoCanvases canvases, std::function<void(const FileURL&)> onDrop);
+    RootView(LibraryViewModel& library, PresetStore& presets, Preferences& preferences, Desktop& desktop,
+             SideWindows& sideWindows, PhotoCanvases canvases, std::function<void(const FileURL&)> onDrop);
 
     [[nodiscard]] bool isSettled() const;
     void perform(const WindowCommand& command);
     /// What can be done with the focused photo, as a menu beside it.
     void showPhotoMenu(const QPoint& screenPoint);
+    [[nodiscard]] PresetStore& presets() { return m_presets; }
+    /// Asks which files of presets, or which folder of them, to import.
+    void choosePresetFiles();
+    void choosePresetFolder();
+    /// Asks whether the preset is to go, and moves it to the Trash.
+    void confirmPresetRemoval(const std::string& presetID);
     /// Keeps the size it is given, even where that is larger than the screen: for pictures of the window.
     void keepSize(const QSize& size);
     void bringToFront();
@@ -57,8 +66,12 @@ private:
     void goBack();
     void refreshTitle();
     [[nodiscard]] bool hasSheet() const;
+    [[nodiscard]] bool showsPresets() const;
+    void importPresets(std::vector<FileURL> sources);
+    void stepPreset(bool forward);
 
     LibraryViewModel& m_library;
+    PresetStore& m_presets;
     Preferences& m_preferences;
     Desktop& m_desktop;
     SideWindows& m_sideWindows;
@@ -67,13 +80,15 @@ private:
     MainMenu* m_menu;
     QSplitter* m_splitter;
     LibraryContentView* m_content;
-    QWidget* m_dropFrame;
+    DropFrame* m_dropFrame;
     Sheet* m_copySheetFrame;
     Sheet* m_deleteSheetFrame;
     Sheet* m_alertFrame;
     Sheet* m_closingFrame;
+    Sheet* m_presetFrame;
     CopySheet* m_copySheet;
     ClosingSheet* m_closingSheet;
+    PresetSheets* m_presetSheets;
     WindowFrameGuard* m_frameGuard;
     std::vector<Subscription> m_subscriptions;
 };

@@ -1,23 +1,13 @@
 #include "views/SearchField.h"
 
-#include "views/Symbols.h"
 #include "views/Text.h"
-
-#include <QAction>
 
 namespace kelvara {
 
-SearchField::SearchField(LibraryViewModel& library, QWidget* parent) : QLineEdit{parent}, m_library{library} {
-    setPlaceholderText(tr("Search file names"));
-    setAccessibleName(tr("Search file names"));
+SearchField::SearchField(LibraryViewModel& library, QWidget* parent)
+    : SearchLine{tr("Search file names"), parent}, m_library{library} {
     setToolTip(tr("Search file names (⌘F)"));
-    setFont(kelvara::font(TextRole::body));
-    addAction(symbolIcon(u"magnifyingglass", &Theme::secondaryText), QLineEdit::LeadingPosition);
-    m_clear = addAction(symbolIcon(u"xmark.circle.fill", &Theme::secondaryText), QLineEdit::TrailingPosition);
-    m_clear->setText(tr("Clear search"));
-    m_clear->setToolTip(tr("Clear search"));
-    connect(m_clear, &QAction::triggered, this, [this] { m_library.setSearchText({}); });
-    connect(this, &QLineEdit::textEdited, this,
+    connect(this, &SearchLine::searched, this,
             [this](const QString& text) { m_library.setSearchText(utf8(text)); });
 
     m_subscription = m_library.observe({LibraryProperty::searchText, LibraryProperty::wantsSearchFocus},
@@ -26,9 +16,7 @@ SearchField::SearchField(LibraryViewModel& library, QWidget* parent) : QLineEdit
 }
 
 void SearchField::followLibrary() {
-    const auto wanted = kelvara::text(m_library.searchText());
-    if (wanted != text()) setText(wanted);
-    m_clear->setVisible(!text().isEmpty());
+    showText(kelvara::text(m_library.searchText()));
     if (!m_library.wantsSearchFocus()) return;
     setFocus(Qt::ShortcutFocusReason);
     selectAll();
@@ -36,12 +24,12 @@ void SearchField::followLibrary() {
 }
 
 void SearchField::focusInEvent(QFocusEvent* event) {
-    QLineEdit::focusInEvent(event);
+    SearchLine::focusInEvent(event);
     m_library.setSearchFocused(true);
 }
 
 void SearchField::focusOutEvent(QFocusEvent* event) {
-    QLineEdit::focusOutEvent(event);
+    SearchLine::focusOutEvent(event);
     m_library.setSearchFocused(false);
 }
 

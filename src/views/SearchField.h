@@ -1,13 +1,12 @@
 #pragma once
 
 #include "library/LibraryViewModel.h"
-
-#include <QLineEdit>
+#include "views/SearchLine.h"
 
 namespace kelvara {
 
 /// Filters by file name while one types.
-class SearchField : public QLineEdit {
+class SearchField : public SearchLine {
     Q_OBJECT
 
 public:
@@ -21,7 +20,6 @@ private:
     void followLibrary();
 
     LibraryViewModel& m_library;
-    QAction* m_clear;
     Subscription m_subscription;
 };
 

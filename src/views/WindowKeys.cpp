@@ -1,5 +1,7 @@
 #include "views/WindowKeys.h"
 
+#include "views/PresetListView.h"
+
 #include <QAbstractButton>
 #include <QAbstractSlider>
 #include <QAbstractSpinBox>
@@ -93,7 +95,7 @@ bool belongsTo(KeyFocus focus, int key) {
     case Qt::Key_Space:
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        return focus == KeyFocus::button;
+        return focus == KeyFocus::button || focus == KeyFocus::list;
     default:
         return false;
     }
@@ -123,6 +125,10 @@ Command plain(int key, ViewMode mode) {
         return WindowCommand{Kind::toggleEdit};
     case Qt::Key_P:
         return WindowCommand{Kind::togglePresets};
+    case Qt::Key_BracketLeft:
+        return WindowCommand{Kind::previousPreset};
+    case Qt::Key_BracketRight:
+        return WindowCommand{Kind::nextPreset};
     default:
         break;
     }
@@ -143,6 +149,7 @@ KeyFocus keyFocus(const QWidget* focusWidget) {
         return KeyFocus::textField;
     }
     if (qobject_cast<const QAbstractButton*>(focusWidget)) return KeyFocus::button;
+    if (qobject_cast<const PresetListView*>(focusWidget)) return KeyFocus::list;
     if (qobject_cast<const QAbstractSlider*>(focusWidget)) return KeyFocus::slider;
     return KeyFocus::photos;
 }
@@ -150,7 +157,7 @@ KeyFocus keyFocus(const QWidget* focusWidget) {
 int latinKey(int key, unsigned scanCode) {
     constexpr int lastLatin = 0x24f;
     if (key <= lastLatin || key >= Qt::Key_Escape) return key;
-    constexpr std::string_view rows[]{"QWERTYUIOP", "ASDFGHJKL", "ZXCVBNM"};
+    constexpr std::string_view rows[]{"QWERTYUIOP[]", "ASDFGHJKL", "ZXCVBNM"};
     constexpr unsigned firstCodes[]{24, 38, 52};
     for (std::size_t i = 0; i < std::size(rows); ++i) {
         const auto place = scanCode - firstCodes[i]; // wraps around below the first

@@ -31,6 +31,8 @@ struct WindowCommand {
         toggleInfo,
         toggleEdit,
         togglePresets,
+        previousPreset,
+        nextPreset,
         toggleOverlays,
         openFolder,
         ejectSource,
@@ -59,17 +61,19 @@ struct WindowCommand {
     }
     /// Whether holding the key down does it again and again.
     [[nodiscard]] bool repeats() const {
-        return kind <= Kind::moveDown || kind == Kind::zoomIn || kind == Kind::zoomOut;
+        return kind <= Kind::moveDown || kind == Kind::previousPreset || kind == Kind::nextPreset ||
+               kind == Kind::zoomIn || kind == Kind::zoomOut;
     }
 };
 
-/// Who has the keyboard. A text field keeps every key that types or edits; a button keeps Space, Return and
-/// the arrows, a slider the arrows.
-enum class KeyFocus { photos, textField, button, slider };
+/// Who has the keyboard. A text field keeps every key that types or edits; a button and a list keep Space,
+/// Return and the arrows, a slider the arrows.
+enum class KeyFocus { photos, textField, button, list, slider };
 [[nodiscard]] KeyFocus keyFocus(const QWidget* focusWidget);
 
-/// The Latin letter at the place of a key that types one of another script, so that letters are commands on
-/// every keyboard; any other key as it is. `scanCode` is what X11 and Wayland send: the kernel's code plus 8.
+/// The Latin letter or bracket at the place of a key that types one of another script, so that letters are
+/// commands on every keyboard; any other key as it is. `scanCode` is what X11 and Wayland send: the kernel's
+/// code plus 8.
 [[nodiscard]] int latinKey(int key, unsigned scanCode);
 
 /// The command of a key, if the window takes it. `key` is a Qt::Key.

@@ -9,6 +9,7 @@
 #include "views/SideWindows.h"
 #include "views/SidebarRow.h"
 #include "views/SupportView.h"
+#include "views/TestPresets.h"
 
 #include <QApplication>
 #include <QDropEvent>
@@ -42,7 +43,7 @@ protected:
         m_grid = makeCanvas();
         m_loupe = makeCanvas();
         m_window = std::make_unique<RootView>(
-            *m_library, m_preferences, m_desktop, m_sideWindows,
+            *m_library, m_presets.store, m_preferences, m_desktop, m_sideWindows,
             PhotoCanvases{.grid = m_grid,
                           .setThumbnailSize = [this](double side) { m_thumbnailSize = side; },
                           .isGridLoading = [] { return false; },
@@ -75,6 +76,7 @@ protected:
     QWidget* m_loupe = nullptr;
     double m_thumbnailSize = 0;
     FileURL m_dropped;
+    TestPresets m_presets{services()};
     Settings m_settings{m_preferences};
     SideWindows m_sideWindows{m_settings, QUrl{}};
     std::unique_ptr<RootView> m_window;
@@ -183,6 +185,49 @@ TEST_F(RootViewTest, aFolderDroppedOnTheWindowIsOpenedWhateverItsName) {
     QDropEvent drop{QPointF{50, 50}, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier};
     static_cast<QObject&>(*m_window).event(&drop); // the application would first want the way there
     EXPECT_EQ(m_dropped, FileURL{"/media/fo\xff ld"});
+}
+
+TEST_F(RootViewTest, presetsDroppedOnTheWindowAreImportedAndTheOutcomeIsShown) {
+    open({"a.jpg"});
+    QMimeData files;
+    const auto good = m_presets.folder.write("Look.xmp", xmpPreset("Look"));
+    const auto bad = m_presets.folder.write("bad.xmp", "nothing");
+    for (const auto& url : {good, bad})
+        files.setUrls(files.urls() << QUrl::fromLocalFile(QString::fromStdString(url.path())));
+    QDropEvent drop{QPointF{50, 50}, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier};
+    static_cast<QObject&>(*m_window).event(&drop);
+    EXPECT_TRUE(m_dropped.isEmpty());
+    EXPECT_EQ(m_library->inspectorTab(), InspectorTab::presets);
+    settle();
+    ASSERT_NE(visibleButton("Done"), nullptr);
+    press(Qt::Key_Return);
+    EXPECT_EQ(visibleButton("Done"), nullptr);
+    ASSERT_TRUE(m_presets.store.isImported("Look.xmp"));
+
+    m_window->confirmPresetRemoval("Look.xmp");
+    press(Qt::Key_Escape);
+    settle();
+    EXPECT_TRUE(m_presets.trash.names().empty());
+    m_window->confirmPresetRemoval("Look.xmp");
+    press(Qt::Key_Return);
+    settle();
+    EXPECT_EQ(m_presets.trash.names(), std::vector<std::string>{"Look.xmp"});
+    EXPECT_FALSE(m_presets.store.isImported("Look.xmp"));
+}
+
+TEST_F(RootViewTest, bracketsStepThroughThePresetsWhereOneCanSeeThem) {
+    open({"a.jpg"});
+    press(Qt::Key_BracketRight);
+    EXPECT_EQ(m_presets.store.selectedPresetID(), "");
+    press(Qt::Key_P);
+    press(Qt::Key_BracketRight);
+    EXPECT_NE(m_presets.store.selectedPresetID(), "");
+    press(Qt::Key_BracketLeft);
+    EXPECT_EQ(m_presets.store.selectedPresetID(), "");
+    press(Qt::Key_P);
+    press(Qt::Key_Space);
+    press(Qt::Key_BracketLeft);
+    EXPECT_NE(m_presets.store.selectedPresetID(), "");
 }
 
 TEST_F(RootViewTest, theMenusRestWhileASheetAsks) {

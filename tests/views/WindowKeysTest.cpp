@@ -39,6 +39,7 @@ TEST(WindowKeysTest, lettersAreCommandsOnKeyboardsOfOtherScripts) {
     EXPECT_EQ(latinKey(cyrillicYeru, 39), Qt::Key_S);
     EXPECT_EQ(latinKey(greekZeta, 52), Qt::Key_Z);
     EXPECT_EQ(latinKey(arabicHah, 33), Qt::Key_P);
+    EXPECT_EQ(latinKey(arabicHah, 34), Qt::Key_BracketLeft);
     EXPECT_EQ(latinKey(arabicHah, 47), arabicHah); // where Latin keyboards have no letter
     EXPECT_EQ(latinKey(Qt::Key_Z, 29), Qt::Key_Z); // as in Germany
     EXPECT_EQ(latinKey(Qt::Key_Left, 113), Qt::Key_Left);
