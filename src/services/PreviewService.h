@@ -3,7 +3,7 @@
 #include "imaging/ImageExecutors.h"
 #include "imaging/ImageLoader.h"
 #include "model/FileURL.h"
-#include "services/ImageRequest.h"
+#include "imaging/ImageRequest.h"
 #include "services/ThumbnailService.h"
 
 #include <functional>

@@ -1,4 +1,4 @@
-#include "services/ImageRequest.h"
+#include "imaging/ImageRequest.h"
 
 #include <utility>
 
