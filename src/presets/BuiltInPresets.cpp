@@ -27,14 +27,13 @@ std::optional<PresetValue> presetValue(const Json& json) {
 }
 
 DevelopPreset preset(const Json& json) {
-    DevelopPreset preset;
-    preset.id = "builtin/" + json.value("name", std::string{});
-    preset.title = localized(json.value("title", std::string{}));
-    preset.summary = localized(json.value("summary", std::string{}));
+    PresetSettings settings;
     for (const auto& [key, value] : json.value("settings", Json::object()).items()) {
-        if (auto setting = presetValue(value)) preset.settings.emplace(key, std::move(*setting));
+        if (auto setting = presetValue(value)) settings.emplace(key, std::move(*setting));
     }
-    preset.look = PresetLook{preset.settings};
+    auto preset = DevelopPreset::of("builtin/" + json.value("name", std::string{}),
+                                    localized(json.value("title", std::string{})), std::move(settings));
+    preset.summary = localized(json.value("summary", std::string{}));
     return preset;
 }
 
@@ -47,7 +46,8 @@ std::vector<BuiltInCategory> builtInPresets() {
     for (const auto& category : json) {
         const auto name = category.value("category", std::string{});
         auto& added = categories.emplace_back(BuiltInCategory{name, localized(name), {}});
-        for (const auto& entry : category.value("presets", Json::array())) added.presets.push_back(preset(entry));
+        for (const auto& entry : category.value("presets", Json::array()))
+            added.presets.push_back(preset(entry));
     }
     return categories;
 }

@@ -115,7 +115,10 @@ Result<DevelopPreset, DevelopPreset::LoadError> DevelopPreset::read(std::string_
     if (!file) return failure(file.error());
     std::string title{withoutReference(file->title ? *file->title : std::string_view{})};
     if (title.empty()) title = url.stem();
-    return of(std::string{url.name()}, std::move(title), std::move(file->settings));
+    auto preset = of(std::string{url.name()}, std::move(title), std::move(file->settings));
+    const auto group = withoutReference(file->group ? *file->group : std::string_view{});
+    if (!group.empty()) preset.group = group;
+    return preset;
 }
 
 DevelopPreset DevelopPreset::withAmount(double strength) const {

@@ -40,7 +40,7 @@ struct DevelopPreset {
         friend bool operator==(const LoadError&, const LoadError&) = default;
     };
 
-    std::string id; ///< The file's name with extension, or "builtin/" and a name.
+    std::string id; ///< The file's name with extension, or "builtin/" and a name; see PresetStore.
     std::string title;
     std::optional<std::string> summary;
     std::optional<std::string> group; ///< The category that the file names.

@@ -15,6 +15,7 @@ struct PresetFile {
     using Problem = DevelopPreset::LoadError::Kind;
 
     std::optional<std::string> title;
+    std::optional<std::string> group; ///< The category it belongs to.
     PresetSettings settings;
 
     /// The bytes of a ".lrtemplate": a Lua table in UTF-8.

@@ -71,7 +71,7 @@ std::optional<FolderPresets> readPresetFolder(const FileSystem& files, const Fil
     FolderPresets presets;
     for (const auto& url : *found) {
         if (stop.stop_requested()) return std::nullopt;
-        const auto bytes = files.readFile(url, maximumPresetBytes);
+        const auto bytes = files.readFile(url, DevelopPreset::maximumFileSize);
         if (!bytes) continue;
         const auto hash = std::hash<std::string>{}(*bytes);
         const auto id = presetID(url, folder);
@@ -79,7 +79,7 @@ std::optional<FolderPresets> readPresetFolder(const FileSystem& files, const Fil
             presets.insert(*same);
             continue;
         }
-        auto preset = DevelopPreset::load(url);
+        auto preset = DevelopPreset::read(*bytes, url);
         if (!preset) continue;
         preset->id = id;
         const auto name = category(*preset, id);

@@ -4,7 +4,7 @@
 #include "platform/FileSystem.h"
 #include "presets/DevelopPreset.h"
 
-#include <cstdint>
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <memory>
@@ -14,9 +14,6 @@
 #include <vector>
 
 namespace kelvara {
-
-/// A preset file larger than this is taken for something else.
-inline constexpr std::int64_t maximumPresetBytes = 8 << 20;
 
 /// Whether the name is one of a preset file: "xmp" or "lrtemplate", in any case.
 [[nodiscard]] bool isPresetFile(const FileURL& file);
@@ -34,6 +31,7 @@ struct FolderPreset {
     std::string category; ///< The file's group, else its folders; in the user's words.
     std::shared_ptr<const DevelopPreset> preset;
     std::size_t contentHash = 0;
+    friend bool operator==(const FolderPreset&, const FolderPreset&) = default;
 };
 
 /// By id.

@@ -73,12 +73,11 @@ public:
         addFile(source, {});
     }
 
-    /// Whether to go on.
-    [[nodiscard]] bool goesOn() {
+    [[nodiscard]] bool goesOn() const { return !m_stop.stop_requested() && m_report.failure.empty(); }
+    PresetImportReport takeReport() {
         m_report.wasCancelled = m_stop.stop_requested();
-        return !m_report.wasCancelled && !m_isFull;
+        return std::move(m_report);
     }
-    PresetImportReport takeReport() { return std::move(m_report); }
 
 private:
     void addFolder(const FileURL& folder) {
@@ -98,7 +97,7 @@ private:
             ++m_report.alreadyThere;
             return;
         }
-        auto bytes = m_files.readFile(file, maximumPresetBytes);
+        auto bytes = m_files.readFile(file, DevelopPreset::maximumFileSize);
         if (bytes) return addPreset(path, file.name(), *bytes);
         const auto isTooLarge = bytes.error().code == std::errc::file_too_large;
         complain(isTooLarge ? isNoPreset(file.name()) : message(bytes.error()));
@@ -135,7 +134,7 @@ private:
         for (auto& file : found) {
             if (!goesOn()) return;
             if (!hasTop) file.path.insert(file.path.begin(), std::string{url.stem()});
-            const auto unpacked = archive->read(file.entry, maximumPresetBytes);
+            const auto unpacked = archive->read(file.entry, DevelopPreset::maximumFileSize);
             if (unpacked) {
                 addPreset(file.path, file.name, *unpacked);
             } else if (unpacked.error() == ZipArchive::Problem::encrypted) {
@@ -149,8 +148,7 @@ private:
     void addPreset(const Path& path, std::string_view fileName, std::string_view bytes) {
         m_unpackedBytes += bytes.size();
         if (++m_presetCount > maximumPresets || m_unpackedBytes > maximumUnpackedBytes) {
-            m_isFull = true;
-            return complain(localized("These are too many presets to import at once."));
+            return fail(localized("These are too many presets to import at once."));
         }
         auto folder = m_folder;
         for (const auto& part : path) {
@@ -162,10 +160,12 @@ private:
             ++m_report.alreadyThere;
             return;
         }
-        const auto staged = stage(wanted, fileName, bytes);
-        if (!staged) return;
-        place(*staged, wanted, *number);
-        if (m_files.status(*staged)) (void)m_files.removeFile(*staged);
+        const auto preset = DevelopPreset::read(bytes, wanted);
+        if (!preset) {
+            complain(message(DevelopPreset::LoadError{preset.error().kind, std::string{fileName}}));
+        } else {
+            write(bytes, wanted, *number);
+        }
     }
 
     /// The first number whose name is free; none where the same preset has one of the names before it.
@@ -173,43 +173,31 @@ private:
         for (unsigned number = 0;; ++number) {
             const auto candidate = wanted.parent().child(numbered(wanted, number));
             if (!m_files.status(candidate)) return number;
-            const auto existing = m_files.readFile(candidate, maximumPresetBytes);
+            const auto existing = m_files.readFile(candidate, DevelopPreset::maximumFileSize);
             if (existing && *existing == bytes) return std::nullopt;
         }
     }
 
-    /// Writes a preset where nobody looks for it and sees whether it is one; empty where it is not.
-    std::optional<FileURL> stage(const FileURL& wanted, std::string_view fileName, std::string_view bytes) {
-        const auto mark = PresetRevision::make();
-        auto staged =
-            m_folder.child(fmt::format(".incoming-{:016x}.{}", mark.high, wanted.extension()));
-        auto written = m_files.createFolders(m_folder);
-        if (written) written = m_files.writeFileAtomically(staged, bytes);
-        if (!written) {
-            // No other preset would fare better.
-            m_isFull = true;
-            complain(message({m_folder, written.error().code}));
-            return std::nullopt;
-        }
-        if (const auto preset = DevelopPreset::load(staged); !preset) {
-            complain(message(DevelopPreset::LoadError{preset.error().kind, std::string{fileName}}));
-            (void)m_files.removeFile(staged);
-            return std::nullopt;
-        }
-        return staged;
-    }
+    /// Writes a hidden file first, which takes the preset's name once it is whole.
+    void write(std::string_view bytes, const FileURL& wanted, unsigned number) {
+        const auto hidden = m_folder.child(fmt::format(".incoming-{:016x}", PresetRevision::make().high));
+        auto done = m_files.createFolders(m_folder);
+        if (done) done = m_files.writeFileAtomically(hidden, bytes);
+        // No other preset would fare better.
+        if (!done) return fail(message({m_folder, done.error().code}));
 
-    void place(const FileURL& staged, const FileURL& wanted, unsigned number) {
-        auto placed = m_files.createFolders(wanted.parent());
-        for (; placed; ++number) {
+        done = m_files.createFolders(wanted.parent());
+        for (; done; ++number) {
             const auto url = wanted.parent().child(numbered(wanted, number));
-            placed = m_files.moveFile(staged, url);
-            if (placed) return m_report.imported.push_back(presetID(url, m_folder));
-            if (placed.error().code == std::errc::file_exists) placed = {}; // taken in the meantime
+            done = m_files.moveFile(hidden, url);
+            if (done) return m_report.imported.push_back(presetID(url, m_folder));
+            if (done.error().code == std::errc::file_exists) done = {}; // taken in the meantime
         }
-        complain(message({wanted, placed.error().code}));
+        (void)m_files.removeFile(hidden);
+        complain(message({wanted, done.error().code}));
     }
 
+    void fail(std::string failure) { m_report.failure = std::move(failure); }
     void complain(std::string problem) { m_report.problems.push_back(std::move(problem)); }
 
     FileSystem& m_files;
@@ -218,7 +206,6 @@ private:
     PresetImportReport m_report;
     std::size_t m_presetCount = 0;
     std::size_t m_unpackedBytes = 0;
-    bool m_isFull = false; // nothing more can be taken in
 };
 
 } // namespace
@@ -227,6 +214,7 @@ void PresetImportReport::add(PresetImportReport later) {
     imported.insert(imported.end(), later.imported.begin(), later.imported.end());
     alreadyThere += later.alreadyThere;
     problems.insert(problems.end(), later.problems.begin(), later.problems.end());
+    if (!later.failure.empty()) failure = std::move(later.failure);
     wasCancelled |= later.wasCancelled;
 }
 

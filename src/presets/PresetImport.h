@@ -16,6 +16,7 @@ struct PresetImportReport {
     std::vector<std::string> imported; ///< Ids of the new presets.
     std::size_t alreadyThere = 0;      ///< Presets that the folder had already.
     std::vector<std::string> problems; ///< What was not imported and why, a sentence each.
+    std::string failure;               ///< What ended the import early; empty when nothing did.
     bool wasCancelled = false;
 
     /// Makes it the report of both.

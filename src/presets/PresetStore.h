@@ -4,10 +4,10 @@
 #include "model/FileURL.h"
 #include "model/Observable.h"
 #include "presets/DevelopPreset.h"
+#include "presets/PresetFolder.h"
 #include "presets/PresetImport.h"
+#include "text/NameOrder.h"
 
-#include <cstddef>
-#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -59,6 +59,7 @@ struct PresetCategory {
     std::string id;                                            ///< Stable from one run to the next.
     std::string title;                                         ///< In the user's words.
     std::vector<std::shared_ptr<const DevelopPreset>> presets; ///< At full strength, by title; not empty.
+    friend bool operator==(const PresetCategory&, const PresetCategory&) = default;
 };
 
 /// The develop presets there are: those the application brings and those in the folder "Presets", which is
@@ -84,8 +85,6 @@ public:
     [[nodiscard]] Preset preset(const std::string& id) const;
     /// Whether it is a file of the user's, which can be removed and revealed.
     [[nodiscard]] bool isImported(const std::string& id) const;
-    /// Whether the folder has been read since the start.
-    [[nodiscard]] bool hasReadFolder() const { return m_hasReadFolder; }
 
     [[nodiscard]] const std::string& searchText() const { return m_searchText; }
     /// Finds titles; neither case nor accents count.
@@ -129,7 +128,7 @@ public:
     void cancelImport();
     /// The last import's outcome, published together with its presets.
     [[nodiscard]] const std::optional<PresetImportReport>& importReport() const { return m_importReport; }
-    /// Why the last import gave nothing at all; empty when it gave something or was cancelled.
+    /// Why the last import ended early or gave nothing at all; else empty, as when it was cancelled.
     [[nodiscard]] const std::string& importError() const { return m_importError; }
     /// Takes report and error off the screen.
     void dismissImport();
@@ -144,10 +143,37 @@ public:
     [[nodiscard]] const FileURL& folder() const { return m_services.folder; }
 
 private:
-    PresetServices m_services;
-    LatestOnly m_scan;
-    bool m_hasReadFolder = false;
+    /// A preset's place in the list.
+    struct Entry {
+        Preset preset;
+        std::string categoryID;
+        std::string categoryTitle;
+        std::string titleKey; ///< Compares like titles are ordered.
+        std::string foldedTitle;
+    };
 
+    void readPreferences();
+    void readFolder();
+    void didReadFolder(std::optional<FolderPresets> presets);
+    [[nodiscard]] Entry entry(Preset preset, std::string categoryID, std::string categoryTitle) const;
+    [[nodiscard]] std::vector<Entry> builtInEntries() const;
+    void arrangeEntries();
+    void updateCategories();
+    void updateActive();
+    [[nodiscard]] Preset atAmount(const Preset& preset) const;
+    void selectBy(int step);
+    void importWaiting();
+    void didImport(PresetImportReport report);
+    void publishImport();
+    void saveExpanded();
+
+    PresetServices m_services;
+    NameOrder m_order;
+    LatestOnly m_reading;
+
+    FolderPresets m_imported;
+    std::vector<Entry> m_builtIn;
+    std::vector<Entry> m_entries; // in the order of the list, each once
     std::vector<PresetCategory> m_categories;
     std::string m_searchText;
     std::set<std::string> m_expanded;
@@ -162,11 +188,14 @@ private:
     bool m_isImporting = false;
     std::vector<FileURL> m_waitingSources;
     std::stop_source m_importStop;
+    PresetImportReport m_runningReport;
+    bool m_awaitsImported = false; // the import has ended, its presets are being read
     std::optional<PresetImportReport> m_importReport;
     std::string m_importError;
     std::string m_removeError;
 
-    void selectBy(int step);
+    /// Expires with the store; callbacks that arrive later see it and do nothing.
+    std::shared_ptr<int> m_lifetime = std::make_shared<int>(0);
 };
 
 } // namespace kelvara

@@ -90,12 +90,10 @@ public:
     PresetFile takeFile() {
         m_settings.merge(m_elementSettings);
         if (!m_look.empty()) m_settings.try_emplace("CameraProfile", std::move(m_look));
-        const auto name = m_settings.find("Name");
-        if (m_title.empty() && name != m_settings.end()) {
-            if (const auto* text = std::get_if<std::string>(&name->second)) m_title = *text;
-        }
-        PresetFile file{.title = {}, .settings = std::move(m_settings)};
-        if (!m_title.empty()) file.title = std::move(m_title);
+        PresetFile file;
+        file.title = text("Name", m_title);
+        file.group = text("Group", m_group);
+        file.settings = std::move(m_settings);
         return file;
     }
 
@@ -111,6 +109,14 @@ private:
         std::string lookName;           // of the look in it
         bool hasElements = false;
     };
+
+    /// The text of an element, else the setting of its name.
+    [[nodiscard]] std::optional<std::string> text(std::string_view name, const std::string& element) const {
+        if (!element.empty()) return element;
+        const auto found = m_settings.find(name);
+        const auto* text = found == m_settings.end() ? nullptr : std::get_if<std::string>(&found->second);
+        return text == nullptr ? std::nullopt : std::optional{*text};
+    }
 
     void refuse() { XML_StopParser(m_parser, XML_FALSE); }
 
@@ -191,6 +197,8 @@ private:
         const auto& [name, text, items, lookName, hasElements] = m_property;
         if (name == "Name") {
             if (m_title.empty()) m_title = items.empty() ? trimmed(text) : trimmed(items.front());
+        } else if (name == "Group") {
+            if (m_group.empty()) m_group = items.empty() ? trimmed(text) : trimmed(items.front());
         } else if (name.starts_with("ToneCurve") && !items.empty()) {
             m_elementSettings.try_emplace(name, curve(items));
         } else if (name == "Look") {
@@ -206,6 +214,7 @@ private:
     PresetSettings m_settings;
     PresetSettings m_elementSettings;
     std::string m_title;
+    std::string m_group;
     std::string m_look;
     bool m_hasSettings = false;
 };

@@ -32,8 +32,8 @@ Result<std::string, ZipArchive::Problem> ZipArchive::read(std::size_t entry, std
     if ((status.valid & ZIP_STAT_ENCRYPTION_METHOD) != 0 && status.encryption_method != ZIP_EM_NONE) {
         return Failure{Problem::encrypted};
     }
-    const std::unique_ptr<zip_file_t, int (*)(zip_file_t*)> file{
-        ::zip_fopen_index(m_archive.get(), entry, 0), ::zip_fclose};
+    const std::unique_ptr<zip_file_t, int (*)(zip_file_t*)> file{::zip_fopen_index(m_archive.get(), entry, 0),
+                                                                 ::zip_fclose};
     if (!file) return Failure{Problem::damaged};
 
     std::string bytes;
