@@ -71,14 +71,15 @@ PhotoCanvases KelvaraApp::makeCanvases() {
     m_grid = new PhotoGridView{*m_library, m_images.thumbnails(), m_images.metadata(), m_preferences};
     m_gridInfo =
         m_settings.observe({Setting::gridShowsInfo}, [this](const auto&) { m_grid->readPreferences(); });
-    m_loupe = new LoupeView{*m_library,          m_images.thumbnails(), m_images.previews(),
-                            m_images.metadata(), m_images.rendering(),  m_main};
+    m_loupe = new LoupeView{*m_library, m_images.thumbnails(), m_images.previews(),  m_images.metadata(),
+                            m_presets,  m_presetRenderer,      m_images.rendering(), m_main};
     auto* info = new MetadataInspector{*m_library, m_images.metadata()};
     return {.grid = m_grid,
             .setThumbnailSize = [grid = m_grid](double side) { grid->setThumbnailSize(side); },
             .isGridLoading = [grid = m_grid] { return grid->isLoading(); },
             .loupe = m_loupe,
             .isLoupeLoading = [loupe = m_loupe] { return loupe->isLoading(); },
+            .togglePresetBefore = [loupe = m_loupe] { loupe->toggleBefore(); },
             .inspector = {.info = info},
             .isInspectorLoading = [info] { return info->isLoading(); }};
 }

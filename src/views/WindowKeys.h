@@ -32,6 +32,7 @@ struct WindowCommand {
         toggleEdit,
         togglePresets,
         toggleOverlays,
+        togglePresetBefore, ///< Between the photo as the preset draws it and the photo before.
         openFolder,
         ejectSource,
         share,
@@ -68,8 +69,9 @@ struct WindowCommand {
 enum class KeyFocus { photos, textField, button, slider };
 [[nodiscard]] KeyFocus keyFocus(const QWidget* focusWidget);
 
-/// The Latin letter at the place of a key that types one of another script, so that letters are commands on
-/// every keyboard; any other key as it is. `scanCode` is what X11 and Wayland send: the kernel's code plus 8.
+/// The Latin letter, or the backslash, at the place of a key that types one of another script, so that plain
+/// keys are commands on every keyboard; any other key as it is. `scanCode` is what X11 and Wayland send: the
+/// kernel's code plus 8.
 [[nodiscard]] int latinKey(int key, unsigned scanCode);
 
 /// The command of a key, if the window takes it. `key` is a Qt::Key.
