@@ -15,6 +15,7 @@ pkg_check_modules(RAW REQUIRED IMPORTED_TARGET libraw_r)
 set_target_properties(PkgConfig::RAW PROPERTIES INTERFACE_COMPILE_OPTIONS "" INTERFACE_LINK_OPTIONS "")
 pkg_check_modules(EXIV2 REQUIRED IMPORTED_TARGET exiv2)
 pkg_check_modules(ZIP REQUIRED IMPORTED_TARGET libzip)
+pkg_check_modules(HWY REQUIRED IMPORTED_TARGET libhwy)
 pkg_check_modules(LCMS2 REQUIRED IMPORTED_TARGET lcms2)
 pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET libavformat libavcodec libavutil libswscale)
 

@@ -157,6 +157,20 @@ void ImageLoader::prefetch(std::string key, Work work) {
 
 ImageCache& ImageLoader::cache() const { return m_state->cache; }
 
+void ImageLoader::drop(std::string_view key) {
+    std::shared_ptr<Run> run;
+    {
+        const std::lock_guard lock{m_state->mutex};
+        m_state->cache.store(key, nullptr);
+        const auto found = m_state->inFlight.find(std::string{key});
+        if (found == m_state->inFlight.end()) return;
+        run = found->second;
+        m_state->inFlight.erase(found);
+        m_state->forgotten.push_back(run);
+    }
+    run->stop.request_stop();
+}
+
 void ImageLoader::forgetAll() {
     const std::lock_guard lock{m_state->mutex};
     for (auto& [key, run] : m_state->inFlight) m_state->forgotten.push_back(std::move(run));

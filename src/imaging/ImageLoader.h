@@ -9,6 +9,7 @@
 #include <memory>
 #include <stop_token>
 #include <string>
+#include <string_view>
 
 namespace kelvara {
 
@@ -37,6 +38,9 @@ public:
     void prefetch(std::string key, Work work);
 
     [[nodiscard]] ImageCache& cache() const;
+    /// Stops what is being made for the key, so that who waits for it gets null, and takes it off the cache.
+    /// The next request begins anew.
+    void drop(std::string_view key);
     /// Empties the cache; what is being made now is still delivered, but not kept.
     void forgetAll();
 

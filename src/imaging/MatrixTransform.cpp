@@ -1,11 +1,9 @@
 #include "imaging/MatrixTransform.h"
 
-#include "imaging/Lcms.h"
+#include "imaging/MatrixProfile.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
-#include <optional>
 
 namespace kelvara {
 namespace {
@@ -13,75 +11,26 @@ namespace {
 constexpr std::size_t numbers = 65536;
 constexpr std::size_t steps = 65536; // of light; what lies between them is interpolated
 
-using Matrix = std::array<std::array<double, 3>, 3>;
-
-constexpr std::array curveTags{cmsSigBlueTRCTag, cmsSigGreenTRCTag, cmsSigRedTRCTag};
-
-/// From blue, green and red light to X, Y and Z. Empty when it can't be inverted.
-std::optional<Matrix> colorants(cmsHPROFILE profile) {
-    constexpr std::array tags{cmsSigBlueColorantTag, cmsSigGreenColorantTag, cmsSigRedColorantTag};
-    Matrix result{};
-    for (std::size_t channel = 0; channel < 3; ++channel) {
-        const auto* color = static_cast<const cmsCIEXYZ*>(cmsReadTag(profile, tags[channel]));
-        if (!color) return std::nullopt;
-        result[0][channel] = color->X;
-        result[1][channel] = color->Y;
-        result[2][channel] = color->Z;
-    }
-    return result;
-}
-
-std::optional<Matrix> inverse(const Matrix& m) {
-    Matrix result{};
-    double determinant = 0;
-    for (std::size_t i = 0; i < 3; ++i) {
-        const auto i1 = (i + 1) % 3, i2 = (i + 2) % 3;
-        for (std::size_t j = 0; j < 3; ++j) {
-            const auto j1 = (j + 1) % 3, j2 = (j + 2) % 3;
-            result[j][i] = m[i1][j1] * m[i2][j2] - m[i1][j2] * m[i2][j1];
-        }
-        determinant +=
-            m[0][i] * (m[1][(i + 1) % 3] * m[2][(i + 2) % 3] - m[1][(i + 2) % 3] * m[2][(i + 1) % 3]);
-    }
-    constexpr double least = 1e-6;
-    if (std::abs(determinant) < least) return std::nullopt;
-    for (auto& row : result) {
-        for (auto& value : row) value /= determinant;
-    }
-    return result;
-}
-
 } // namespace
 
 std::unique_ptr<const MatrixTransform> MatrixTransform::make(const ColorProfile& source,
                                                              const ColorProfile& destination) {
-    const auto from = openProfile(source);
-    const auto to = openProfile(destination);
-    if (!from || !to || !cmsIsMatrixShaper(from.get()) || !cmsIsMatrixShaper(to.get())) return nullptr;
-    const auto toXYZ = colorants(from.get());
-    const auto ofDestination = colorants(to.get());
-    const auto fromXYZ = ofDestination ? inverse(*ofDestination) : std::nullopt;
-    if (!toXYZ || !fromXYZ) return nullptr;
+    const auto from = MatrixProfile::of(source);
+    const auto to = MatrixProfile::of(destination);
+    if (!from || !to) return nullptr;
     std::unique_ptr<MatrixTransform> result{new MatrixTransform};
+    const auto sample = [](const MatrixProfile::Function& of, std::size_t count, float scale) {
+        std::vector<float> table(count);
+        for (std::size_t n = 0; n < count; ++n)
+            table[n] = scale * of(static_cast<float>(n) / static_cast<float>(count - 1));
+        return table;
+    };
+    const auto matrix = from->lightTo(*to);
     for (std::size_t i = 0; i < 3; ++i) {
-        const auto* curve = static_cast<const cmsToneCurve*>(cmsReadTag(from.get(), curveTags[i]));
-        const auto* given = static_cast<const cmsToneCurve*>(cmsReadTag(to.get(), curveTags[i]));
-        const Curve reversed{given ? cmsReverseToneCurveEx(numbers / 4, given) : nullptr};
-        if (!curve || !reversed) return nullptr;
-        const auto sample = [](const cmsToneCurve* of, std::size_t count, float scale) {
-            std::vector<float> table(count);
-            for (std::size_t n = 0; n < count; ++n)
-                table[n] =
-                    scale * cmsEvalToneCurveFloat(of, static_cast<float>(n) / static_cast<float>(count - 1));
-            return table;
-        };
-        result->m_light[i] = sample(curve, numbers, steps - 1);
-        result->m_numbers[i] = sample(reversed.get(), steps, std::numeric_limits<std::uint16_t>::max());
-        for (std::size_t j = 0; j < 3; ++j) {
-            double sum = 0;
-            for (std::size_t k = 0; k < 3; ++k) sum += (*fromXYZ)[i][k] * (*toXYZ)[k][j];
-            result->m_matrix[i][j] = static_cast<float>(sum);
-        }
+        result->m_light[i] = sample(from->light[i], numbers, steps - 1);
+        result->m_numbers[i] = sample(to->numbers[i], steps, std::numeric_limits<std::uint16_t>::max());
+        std::ranges::transform(matrix[i], result->m_matrix[i].begin(),
+                               [](double value) { return static_cast<float>(value); });
     }
     return result;
 }

@@ -7,8 +7,8 @@
 
 namespace kelvara {
 
-void forRowSlices(int rows, std::int64_t pixels, const std::function<void(int begin, int end)>& work) {
-    constexpr std::int64_t fewestPixels = 2 << 20; // of a slice: some 20 ms, beside which a thread is nothing
+void forRowSlices(int rows, std::int64_t pixels, const std::function<void(int begin, int end)>& work,
+                  std::int64_t fewestPixels) {
     const std::int64_t cores = std::clamp(std::thread::hardware_concurrency(), 1U, 4U);
     const auto slices =
         std::clamp<std::int64_t>(std::min<std::int64_t>(pixels / fewestPixels, rows), 1, cores);

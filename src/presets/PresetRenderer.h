@@ -15,8 +15,8 @@ namespace kelvara {
 
 class CubeCache;
 
-/// Draws photos through develop presets. Owned and called on the main thread, apart from `apply`, which is for
-/// any.
+/// Draws photos through develop presets. Owned and called on the main thread, apart from `apply`, which is
+/// for any.
 class PresetRenderer {
 public:
     /// Of the pictures drawn, whose last used ones are kept: two or three in full resolution.
@@ -39,9 +39,9 @@ public:
     [[nodiscard]] BitmapPtr cached(const DevelopPreset& preset, const FileURL& url,
                                    const BitmapPtr& image) const;
 
-    /// Draws `image`, which shows the photo at `url`, with 8 bits a channel, and keeps the result. Of a preset's
-    /// revisions only the newest is drawn and kept for a photo in one size: who waits for an older one gets
-    /// null. `image` isn't null.
+    /// Draws `image`, which shows the photo at `url`, with 8 bits a channel, and keeps the result. Of a
+    /// preset's revisions only the newest is drawn and kept for a photo in one size: who waits for an older
+    /// one gets null. `image` isn't null.
     ImageRequest render(const DevelopPreset& preset, const FileURL& url, BitmapPtr image,
                         ImageCallback onMain);
 

@@ -2,8 +2,8 @@
 
 #include "imaging/ImageExecutors.h"
 #include "imaging/ImageLoader.h"
-#include "model/FileURL.h"
 #include "imaging/ImageRequest.h"
+#include "model/FileURL.h"
 #include "services/ThumbnailService.h"
 
 #include <functional>

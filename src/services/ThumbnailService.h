@@ -3,8 +3,8 @@
 #include "imaging/AsyncLimiter.h"
 #include "imaging/ImageExecutors.h"
 #include "imaging/ImageLoader.h"
-#include "model/FileURL.h"
 #include "imaging/ImageRequest.h"
+#include "model/FileURL.h"
 
 #include <array>
 #include <memory>
