@@ -40,6 +40,7 @@ KelvaraApp::KelvaraApp(const Options& options)
       m_sidecarWrites{1, ThreadPool::AtEnd::finish}, m_sideWindows{m_settings, QUrl{QStringLiteral(
                                                                                    KELVARA_SUPPORT_URL)}} {
     const LibraryServices services{.files = m_files,
+                                   .trash = m_trash,
                                    .background = m_background,
                                    .sidecarWrites = m_sidecarWrites,
                                    .main = m_main,

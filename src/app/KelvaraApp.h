@@ -9,6 +9,7 @@
 #include "platform/linux/HTTPAnalytics.h"
 #include "platform/linux/LinuxDesktop.h"
 #include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/LinuxTrash.h"
 #include "platform/linux/MemoryPressure.h"
 #include "platform/linux/QtMainExecutor.h"
 #include "platform/linux/SettingsPreferences.h"
@@ -59,6 +60,7 @@ private:
     AllowedAnalytics m_analytics;
     QtMainExecutor m_main;
     LinuxFileSystem m_files;
+    LinuxTrash m_trash;
     UDisksVolumes m_volumes;
     LinuxDesktop m_desktop;
     FolderChooserDialog m_folderChooser;

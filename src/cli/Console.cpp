@@ -1,9 +1,10 @@
 #include "cli/Console.h"
 
+#include "text/PercentEncoding.h"
+
 #include <cstdint>
 #include <cstdio>
 #include <fmt/format.h>
-#include <iterator>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
@@ -22,18 +23,7 @@ std::string printable(std::string_view bytes) {
     return result;
 }
 
-std::string fileURI(const FileURL& url) {
-    constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";
-    std::string uri = "file://";
-    for (const char c : url.path()) {
-        if (plain.find(c) != std::string_view::npos) {
-            uri += c;
-        } else {
-            fmt::format_to(std::back_inserter(uri), "%{:02X}", static_cast<unsigned char>(c));
-        }
-    }
-    return uri;
-}
+std::string fileURI(const FileURL& url) { return "file://" + percentEncoded(url.path()); }
 
 void setPath(JSON& object, const char* key, const char* uriKey, const FileURL& url) {
     object[key] = url.path();

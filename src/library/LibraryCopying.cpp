@@ -1,5 +1,6 @@
 // LibraryViewModel: copying the marked files.
 
+#include "library/CopiedItems.h"
 #include "library/LibraryViewModel.h"
 #include "library/PreferenceKeys.h"
 #include "platform/AnalyticsClient.h"
@@ -51,7 +52,7 @@ void LibraryViewModel::chooseCopyDestination(std::function<void()> onChosen) {
 
 void LibraryViewModel::startCopy() {
     if (std::holds_alternative<CopyService::Progress>(m_copyState)) return;
-    if (m_checked.empty()) {
+    if (m_checked.empty() || isDeleting()) { // a file that goes can't be copied
         m_services.desktop.beep();
         return;
     }
@@ -64,7 +65,8 @@ void LibraryViewModel::startCopy() {
 
 void LibraryViewModel::runCopy() {
     // The folder chooser may have stayed open while a copy began or the marks went.
-    if (std::holds_alternative<CopyService::Progress>(m_copyState) || m_checked.empty()) return;
+    if (std::holds_alternative<CopyService::Progress>(m_copyState) || m_checked.empty() || isDeleting())
+        return;
     const Change change{*this};
     assign(Property::copyInterruption, m_copyInterruption, {});
     assign(Property::copyState, m_copyState, CopyState{CopyService::Progress{}});
@@ -84,8 +86,9 @@ void LibraryViewModel::runCopy() {
 
     m_copyStop = std::stop_source{};
     m_services.background.post([this, alive = std::weak_ptr{m_lifetime}, &copier = m_services.copier,
-                                &main = m_services.main, stop = m_copyStop.get_token(),
-                                request = std::move(request), starred = std::move(starred)] {
+                                &files = m_services.files, &main = m_services.main,
+                                stop = m_copyStop.get_token(), request = std::move(request),
+                                starred = std::move(starred)] {
         const auto publish = [&](CopyState state) {
             main.post([this, alive, state = std::move(state)] {
                 if (!alive.expired()) publishCopy(state);
@@ -99,7 +102,11 @@ void LibraryViewModel::runCopy() {
                                  : CopyFailed{message(plans.error())});
             return;
         }
-        publish(copier.copy(*plans, request.destination, starred, stop, publish));
+        const auto report = copier.copy(*plans, request.destination, starred, stop, publish);
+        main.post([this, alive, source = request.source, copied = copiedItems(files, request.items, *plans)] {
+            if (!alive.expired() && source == m_sourceURL) noteCopied(copied);
+        });
+        publish(report);
     });
 }
 

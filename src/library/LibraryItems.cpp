@@ -17,8 +17,7 @@ constexpr auto notVisible = std::numeric_limits<std::uint32_t>::max();
 } // namespace
 
 struct LibraryViewModel::ScanResult {
-    std::shared_ptr<const std::vector<PhotoItem>> items;
-    std::shared_ptr<const LibraryIndex> index;
+    Listing listing;
     std::unordered_map<FileURL, Rating> ratings;
 };
 
@@ -26,6 +25,7 @@ void LibraryViewModel::rescan() {
     const Change change{*this};
     m_scan.cancel();
     if (m_runningSaves == 0) m_savedRatings.clear(); // this scan will find them
+    m_removedDuringScan.clear();
     resetForScan();
     assign(Property::isScanning, m_isScanning, !m_sourceURL.isEmpty());
     if (m_sourceURL.isEmpty()) {
@@ -44,7 +44,7 @@ void LibraryViewModel::rescan() {
             if (shot.hasRaw) sidecarURLs.push_back(shot.stemKey);
         }
         auto ratingsFound = sidecars.readRatings(sidecarURLs, stop);
-        return {std::move(found), std::move(index), std::move(ratingsFound)};
+        return {{std::move(found), std::move(index)}, std::move(ratingsFound)};
     };
     m_scan.start(std::move(scan), [this](ScanResult result) { publish(std::move(result)); });
 }
@@ -57,28 +57,36 @@ void LibraryViewModel::resetForScan() {
     assign(Property::ratingFilter, m_ratingFilter, {});
     assign(Property::ratings, m_ratings, {});
     assign(Property::focusedID, m_focusedID, {});
+    cancelDeletion();
     if (!m_checked.empty()) didChange(Property::checkedIDs);
-    setItems(std::make_shared<const std::vector<PhotoItem>>(), std::make_shared<const LibraryIndex>());
+    setItems({std::make_shared<const std::vector<PhotoItem>>(), std::make_shared<const LibraryIndex>()});
 }
 
 void LibraryViewModel::publish(ScanResult result) {
     const Change change{*this};
-    for (const auto& shot : result.index->shots()) {
+    if (!m_removedDuringScan.empty()) {
+        result.listing =
+            listingWithout(*result.listing.items, m_removedDuringScan, m_services.collationLocale);
+        m_removedDuringScan.clear();
+    }
+    for (const auto& shot : result.listing.index->shots()) {
         const auto saved = shot.hasRaw ? m_savedRatings.find(shot.stemKey) : m_savedRatings.end();
         if (saved != m_savedRatings.end()) result.ratings[shot.stemKey] = saved->second;
     }
     if (m_runningSaves == 0) m_savedRatings.clear();
     assign(Property::ratings, m_ratings, std::move(result.ratings));
-    setItems(std::move(result.items), std::move(result.index));
+    setItems(result.listing);
     assign(Property::isScanning, m_isScanning, false);
 }
 
-void LibraryViewModel::setItems(std::shared_ptr<const std::vector<PhotoItem>> list,
-                                std::shared_ptr<const LibraryIndex> index) {
+void LibraryViewModel::setItems(const Listing& listing, std::span<const FileURL> marked) {
     const Change change{*this};
-    m_items = std::move(list);
-    m_index = std::move(index);
+    m_items = listing.items;
+    m_index = listing.index;
     m_checked = CheckedItems{m_items};
+    for (const auto& url : marked) {
+        if (const auto position = m_index->find(url, *m_items)) m_checked.setChecked(*position, true);
+    }
     didChange(Property::items);
     updateSortedItems();
 }

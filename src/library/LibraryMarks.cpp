@@ -56,7 +56,7 @@ bool LibraryViewModel::keepsRatingInSidecar(const FileURL& id) const {
 }
 
 void LibraryViewModel::setRating(Rating newRating, const FileURL& id) {
-    if (rating(id) == newRating) return;
+    if (rating(id) == newRating || willLoseSidecar(id)) return;
     const Change change{*this};
     m_ratings[id.stemKey()] = newRating;
     didChange(Property::ratings);

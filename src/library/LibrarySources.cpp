@@ -20,6 +20,7 @@ void LibraryViewModel::setSourceURL(const FileURL& source) {
     assign(Property::sourceURL, m_sourceURL, source);
     assign(Property::searchText, m_searchText, {});
     m_sourceRestore.cancel();
+    m_copiedItems.clear();
     if (source.isEmpty()) {
         m_services.preferences.remove(PreferenceKeys::lastSource);
     } else {
@@ -120,6 +121,7 @@ void LibraryViewModel::restoreSource() {
 void LibraryViewModel::handleVolumeChange(const VolumeChange& change) {
     const Change together{*this};
     if (change.didUnmount) {
+        stopDeletion(change.url);
         const bool isCopying = std::holds_alternative<CopyService::Progress>(m_copyState);
         const bool heldSource = !m_sourceURL.isEmpty() && m_sourceURL.isContained(change.url);
         if (isCopying && heldSource) {

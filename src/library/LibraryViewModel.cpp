@@ -33,6 +33,7 @@ void LibraryViewModel::restoreState() {
     m_showsInspector = preferences.boolean(PreferenceKeys::showsInspector).value_or(true);
     m_inspectorTab = kelvara::inspectorTab(text(PreferenceKeys::inspectorTab)).value_or(InspectorTab::info);
     m_copiesIntoDateFolders = preferences.boolean(PreferenceKeys::copiesIntoDateFolders).value_or(false);
+    m_deletesPairedFiles = preferences.boolean(PreferenceKeys::deletesPairedFiles).value_or(false);
     if (const auto path = text(PreferenceKeys::copyDestination); path.starts_with('/')) {
         m_copyDestination = FileURL::standardized(path);
     }

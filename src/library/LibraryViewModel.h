@@ -20,6 +20,7 @@
 #include <stop_token>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace kelvara {
@@ -30,7 +31,9 @@ class Desktop;
 class FileSystem;
 class FolderChooser;
 class Preferences;
+class Trash;
 class VolumeService;
+struct FileRemoval;
 struct VolumeChange;
 
 /// The properties of `LibraryViewModel` that views observe, one for each reader of it below.
@@ -56,6 +59,10 @@ enum class LibraryProperty {
     copiesIntoDateFolders,
     copyState,
     copyInterruption,
+    pendingDeletion,
+    deleteError,
+    deletesPairedFiles,
+    deletingCount,
     ejectingVolumeID,
     ejectError,
     zoomRequest,
@@ -73,9 +80,12 @@ enum class LibraryProperty {
 /// What the library works with; everything outlives it.
 struct LibraryServices {
     FileSystem& files;
-    Executor& background;    ///< Scans and copies.
-    Executor& sidecarWrites; ///< Serial, and finishes what was posted when it ends.
-    Executor& main;          ///< The thread that owns the library.
+    Trash& trash;
+    Executor& background; ///< Scans and copies.
+    /// Ratings and deletions, which must not overtake each other: serial, and finishes what was posted when
+    /// it ends.
+    Executor& sidecarWrites;
+    Executor& main; ///< The thread that owns the library.
     Preferences& preferences;
     VolumeService& volumes;
     XMPService& sidecars;
@@ -88,8 +98,8 @@ struct LibraryServices {
 };
 
 /// The one state of the main window: the source and its photos, their order and filters, the focus, marks and
-/// ratings, and the copy that runs. Views observe the properties they read and call the operations; nothing
-/// about photos is decided elsewhere.
+/// ratings, and the copy or deletion that runs. Views observe the properties they read and call the
+/// operations; nothing about photos is decided elsewhere.
 ///
 /// Main thread only. Files are looked at in the background; a superseded scan publishes nothing.
 class LibraryViewModel : public Observable<LibraryProperty> {
@@ -239,8 +249,53 @@ public:
     /// Asks for a folder; `onChosen` follows when one was chosen.
     void chooseCopyDestination(std::function<void()> onChosen = {});
 
+    // Deleting
+
+    /// What the user is asked about; empty when nobody asks.
+    [[nodiscard]] const std::optional<std::vector<PhotoItem>>& pendingDeletion() const {
+        return m_pendingDeletion;
+    }
+    /// Whether deleted files are erased, as on cards, rather than moved to the Trash. While the user is asked
+    /// it stays as it was asked.
+    [[nodiscard]] bool deletesPermanently() const;
+    /// Whether the other files of the shots go, too.
+    [[nodiscard]] bool deletesPairedFiles() const { return m_deletesPairedFiles; }
+    void setDeletesPairedFiles(bool deletes);
+    /// Asks about the action targets of the focused photo.
+    void requestDeleteForFocused();
+    /// A running copy refuses with `deleteError`; a running deletion or ejection with a beep.
+    void requestDelete(std::vector<PhotoItem> items);
+    void cancelDeletion();
+    void confirmDeletion();
+    /// Deletes without asking. Photos leave the list when all files are done; those that fail stay, and
+    /// `deleteError` tells of them. A deletion is finished even when the library goes meanwhile.
+    void deleteItems(std::span<const PhotoItem> items);
+    /// What confirming deletes: the pending items and, where wanted, the files that belong to them.
+    [[nodiscard]] std::vector<PhotoItem> deletionTargets() const;
+    /// How many of `items` no copy of this session has brought to its destination. Empty while nothing of
+    /// this source was copied.
+    [[nodiscard]] std::optional<std::size_t> notCopiedCount(std::span<const PhotoItem> items) const;
+    /// The number of files that are being deleted.
+    [[nodiscard]] std::size_t deletingCount() const;
+    [[nodiscard]] bool isDeleting() const { return m_deletion.has_value(); }
+    [[nodiscard]] const std::string& deleteError() const { return m_deleteError; }
+    void clearDeleteError() { assign(Property::deleteError, m_deleteError, {}); }
+
 private:
+    using Items = std::shared_ptr<const std::vector<PhotoItem>>;
+    /// The items of a source, and what sorting and filtering know of them.
+    struct Listing {
+        Items items;
+        std::shared_ptr<const LibraryIndex> index;
+    };
     struct ScanResult;
+    /// A deletion that runs.
+    struct Deletion {
+        FileURL source;
+        std::size_t count = 0;
+        std::unordered_set<FileURL> sidecars; ///< Those that go.
+        std::stop_source stop;
+    };
     void restoreState();
     void applyVolumes(std::vector<VolumeInfo> volumes);
     void restoreSource();
@@ -253,8 +308,7 @@ private:
     void refreshAvailableRecentFolders();
     void resetForScan();
     void publish(ScanResult result);
-    void setItems(std::shared_ptr<const std::vector<PhotoItem>> items,
-                  std::shared_ptr<const LibraryIndex> index);
+    void setItems(const Listing& listing, std::span<const FileURL> marked = {});
     void updateSortedItems();
     void updateVisibleItems();
     void repairFocus();
@@ -263,6 +317,19 @@ private:
     void didSaveRating(Rating saved, const FileURL& id, const Result<void, XMPError>& result);
     void runCopy();
     void publishCopy(const CopyState& state);
+    void noteCopied(const std::vector<PhotoItem>& items);
+    bool refusesDeletion();
+    void runDeletion(std::span<const PhotoItem> items, bool permanently);
+    void didDelete(const FileRemoval& removal, const Items& before, const Listing& rest);
+    /// Where the volume of the deletion went, another one may be next.
+    void stopDeletion(const FileURL& volume);
+    /// Whether the running deletion takes the item's rating with it.
+    [[nodiscard]] bool willLoseSidecar(const FileURL& id) const;
+    static Listing listingWithout(const std::vector<PhotoItem>& items,
+                                  const std::unordered_set<FileURL>& removed, const std::string& locale);
+    /// Takes `rest`, a part of the items, in their place; marks and focus stay, or go to the next one.
+    void keepOnly(const Listing& rest);
+    [[nodiscard]] FileURL focusAmong(const std::function<bool(const FileURL&)>& isKept) const;
 
     LibraryServices m_services;
     LatestOnly m_scan;
@@ -280,7 +347,7 @@ private:
     bool m_isScanning = false;
     std::string m_scanError;
 
-    std::shared_ptr<const std::vector<PhotoItem>> m_items;
+    Items m_items;
     std::shared_ptr<const LibraryIndex> m_index;
     std::vector<std::uint32_t> m_sortedPositions;
     ItemList m_visibleItems;
@@ -316,6 +383,15 @@ private:
     CopyState m_copyState;
     std::string m_copyInterruption;
     std::stop_source m_copyStop;
+    std::unordered_set<PhotoItem> m_copiedItems; // of the source, in this session
+
+    std::optional<std::vector<PhotoItem>> m_pendingDeletion;
+    bool m_pendingIsPermanent = false;
+    bool m_deletesPairedFiles = false;
+    std::optional<Deletion> m_deletion;
+    std::string m_deleteError;
+    /// Files that went while a scan was running, which may have seen them before.
+    std::unordered_set<FileURL> m_removedDuringScan;
 
     /// Expires with the view model; callbacks that arrive later see it and do nothing.
     std::shared_ptr<int> m_lifetime = std::make_shared<int>(0);

@@ -7,6 +7,7 @@
 #include "services/XMPService.h"
 #include "support/FakeAnalytics.h"
 #include "support/FakeDesktop.h"
+#include "support/FakeTrash.h"
 #include "support/ManualExecutor.h"
 #include "support/TemporaryFolder.h"
 
@@ -24,6 +25,7 @@ class LibraryFixture : public testing::Test {
 protected:
     LibraryServices services() {
         return {.files = m_files,
+                .trash = m_trash,
                 .background = m_background,
                 .sidecarWrites = m_sidecarWrites,
                 .main = m_main,
@@ -59,6 +61,7 @@ protected:
 
     TemporaryFolder m_card;
     LinuxFileSystem m_files;
+    FakeTrash m_trash;
     ManualExecutor m_background;
     ManualExecutor m_sidecarWrites;
     ManualExecutor m_main;

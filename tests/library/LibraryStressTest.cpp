@@ -2,6 +2,7 @@
 // whatever the threads' order.
 
 #include "async/ThreadPool.h"
+#include "library/FileRemoval.h"
 #include "library/LibraryViewModel.h"
 #include "library/PreferenceKeys.h"
 #include "platform/linux/LinuxFileSystem.h"
@@ -10,6 +11,7 @@
 #include "services/XMPService.h"
 #include "support/FakeAnalytics.h"
 #include "support/FakeDesktop.h"
+#include "support/FakeTrash.h"
 #include "support/TemporaryFolder.h"
 
 #include <algorithm>
@@ -76,6 +78,7 @@ protected:
         m_preferences.setText(PreferenceKeys::copyDestination, (m_disk / "kept").path());
         m_volumes.mounted = m_cards;
         m_library = std::make_unique<LibraryViewModel>(LibraryServices{.files = m_files,
+                                                                       .trash = m_trash,
                                                                        .background = *m_background,
                                                                        .sidecarWrites = *m_sidecarWrites,
                                                                        .main = m_main,
@@ -161,14 +164,32 @@ protected:
         m_library->dismissCopy();
         m_library->startCopy();
     }
+    /// One photo, while scans and ratings go on.
+    void deletePhoto() {
+        const auto* photo = m_library->focusedItem();
+        if (!photo) return;
+        const std::vector targets{*photo};
+        m_library->requestDelete(targets);
+        m_library->clearDeleteError();
+        if (!m_library->pendingDeletion()) return; // a copy or an ejection runs
+        for (const auto& sidecar : orphanedSidecars(std::vector{targets[0].url}, m_library->items())) {
+            m_expected.erase(sidecar);
+        }
+        m_library->confirmDeletion();
+        if (oneIn(2)) m_library->rescan();
+        m_main.runUntil([&] { return !m_library->isDeleting(); });
+        ++m_deletions;
+        ASSERT_EQ(m_library->deleteError(), "");
+    }
     void step() {
-        const int kind = below(20);
+        const int kind = below(21);
         if (kind < 8) return rate();
         if (kind < 12) return mark();
         if (kind < 14) return changeFilter();
         if (kind < 15) return m_library->moveFocus(oneIn(2) ? MoveDirection::right : MoveDirection::left);
         if (kind < 17) return copy();
         if (kind < 18) return changeVolumes();
+        if (kind < 19) return deletePhoto();
         changeSource();
     }
 
@@ -192,9 +213,11 @@ protected:
     std::vector<VolumeInfo> m_cards;
     std::mt19937 m_random{20240501};
     std::map<FileURL, Rating> m_expected; // of the sidecars
+    int m_deletions = 0;
 
     MainLoop m_main;
     LinuxFileSystem m_files;
+    FakeTrash m_trash;
     MemoryPreferences m_preferences;
     FakeVolumes m_volumes;
     VolumeService m_volumeService{m_volumes};
@@ -227,6 +250,7 @@ TEST_F(LibraryStressTest, everythingAtOnceLosesNoRatingAndCopiesOnlyWholeFiles) 
         ASSERT_NO_FATAL_FAILURE(expectWholeState()) << "step " << i;
     }
     EXPECT_GT(copies, 0);
+    EXPECT_GT(m_deletions, 0);
     EXPECT_GT(m_expected.size(), 10U);
 
     // It goes in the middle of things, as a window does that is closed: ratings are still finished.
@@ -244,7 +268,7 @@ TEST_F(LibraryStressTest, everythingAtOnceLosesNoRatingAndCopiesOnlyWholeFiles) 
         const auto copied = TemporaryFolder::read(m_disk / ("kept/" + name));
         if (FileURL{"/" + name}.extension() == "xmp") {
             EXPECT_TRUE(XMPService::rating(copied)) << name;
-        } else {
+        } else if (TemporaryFolder::exists(m_disk / (card + name))) { // and not deleted since
             EXPECT_EQ(copied, TemporaryFolder::read(m_disk / (card + name))) << name;
         }
     }

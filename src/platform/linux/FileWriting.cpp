@@ -74,4 +74,14 @@ bool moveByCheckedRename(const FileURL& from, const FileURL& to) {
     return errno == ENOENT && ::rename(from.path().c_str(), to.path().c_str()) == 0;
 }
 
+bool moveWithoutReplacing(const FileURL& from, const FileURL& to) {
+    const auto isRefused = [] { // by the file system, whatever the names
+        return errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP || errno == EPERM || errno == EMLINK;
+    };
+    bool moved = moveByExclusiveRename(from, to);
+    if (!moved && isRefused()) moved = moveByLink(from, to);
+    if (!moved && isRefused()) moved = moveByCheckedRename(from, to);
+    return moved;
+}
+
 } // namespace kelvara

@@ -42,5 +42,7 @@ void copyUserAttributes(const FileDescriptor& from, const FileDescriptor& to);
 [[nodiscard]] bool moveByLink(const FileURL& from, const FileURL& to);
 /// Leaves a moment between the check and the rename in which another program could take the name.
 [[nodiscard]] bool moveByCheckedRename(const FileURL& from, const FileURL& to);
+/// The first of them that the file system knows.
+[[nodiscard]] bool moveWithoutReplacing(const FileURL& from, const FileURL& to);
 
 } // namespace kelvara

@@ -104,13 +104,7 @@ Result<void, FileError> LinuxFileSystem::writeFileAtomically(const FileURL& url,
 }
 
 Result<void, FileError> LinuxFileSystem::moveFile(const FileURL& from, const FileURL& to) {
-    const auto isRefused = [] { // by the file system, whatever the names
-        return errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP || errno == EPERM || errno == EMLINK;
-    };
-    bool moved = moveByExclusiveRename(from, to);
-    if (!moved && isRefused()) moved = moveByLink(from, to);
-    if (!moved && isRefused()) moved = moveByCheckedRename(from, to);
-    if (!moved) return Failure{fileError(errno == ENOENT ? from : to)};
+    if (!moveWithoutReplacing(from, to)) return Failure{fileError(errno == ENOENT ? from : to)};
     if (!syncFolder(to.parent())) return Failure{fileError(to)};
     return {};
 }
