@@ -8,6 +8,7 @@
 #include <QDBusConnection>
 #include <QFile>
 #include <QLocale>
+#include <QStandardPaths>
 #include <QSysInfo>
 #include <QUrl>
 
@@ -26,6 +27,11 @@ CopyService::SidecarWriter sidecarWriter(XMPService& sidecars) {
     };
 }
 
+FileURL presetFolder() {
+    const auto data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    return FileURL::standardized(data.toStdString()).child("Presets");
+}
+
 } // namespace
 
 KelvaraApp::KelvaraApp(const Options& options)
@@ -36,9 +42,21 @@ KelvaraApp::KelvaraApp(const Options& options)
       m_desktop{QDBusConnection::sessionBus(), [] { QApplication::beep(); }},
       m_locale{QLocale{}.bcp47Name().toStdString()}, m_volumeService{m_volumes, m_locale},
       m_sidecars{m_files}, m_copier{m_files, sidecarWriter(m_sidecars)}, m_images{m_main},
-      m_memoryPressure{[this] { m_images.shrinkCaches(); }}, m_background{backgroundThreads},
-      m_sidecarWrites{1, ThreadPool::AtEnd::finish}, m_sideWindows{m_settings, QUrl{QStringLiteral(
-                                                                                   KELVARA_SUPPORT_URL)}} {
+      m_memoryPressure{[this] {
+          m_images.shrinkCaches();
+          m_presetRenderer.shrinkCache();
+      }},
+      m_background{backgroundThreads}, m_presetWatch{m_main}, m_presets{{.files = m_files,
+                                                                         .trash = m_trash,
+                                                                         .watch = m_presetWatch,
+                                                                         .desktop = m_desktop,
+                                                                         .preferences = m_preferences,
+                                                                         .background = m_background,
+                                                                         .main = m_main,
+                                                                         .folder = presetFolder(),
+                                                                         .collationLocale = m_locale}},
+      m_presetRenderer{m_images.rendering(), m_main}, m_sidecarWrites{1, ThreadPool::AtEnd::finish},
+      m_sideWindows{m_settings, QUrl{QStringLiteral(KELVARA_SUPPORT_URL)}} {
     const LibraryServices services{.files = m_files,
                                    .trash = m_trash,
                                    .background = m_background,
@@ -51,7 +69,11 @@ KelvaraApp::KelvaraApp(const Options& options)
                                    .folderChooser = m_folderChooser,
                                    .desktop = m_desktop,
                                    .analytics = m_analytics,
-                                   .emptyImageCaches = [this] { m_images.emptyCaches(); },
+                                   .emptyImageCaches =
+                                       [this] {
+                                           m_images.emptyCaches();
+                                           m_presetRenderer.emptyCaches();
+                                       },
                                    .collationLocale = m_locale};
     m_analytics.record(AppStarted{});
     m_library = std::make_unique<LibraryViewModel>(services, options.folder);
@@ -87,6 +109,7 @@ PhotoCanvases KelvaraApp::makeCanvases() {
 
 void KelvaraApp::reloadPictures() {
     m_images.emptyPictureCaches();
+    m_presetRenderer.emptyCaches();
     m_grid->reloadThumbnails();
     m_loupe->reloadPictures();
 }

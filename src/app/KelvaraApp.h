@@ -9,11 +9,14 @@
 #include "platform/linux/HTTPAnalytics.h"
 #include "platform/linux/LinuxDesktop.h"
 #include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/LinuxFolderWatch.h"
 #include "platform/linux/LinuxTrash.h"
 #include "platform/linux/MemoryPressure.h"
 #include "platform/linux/QtMainExecutor.h"
 #include "platform/linux/SettingsPreferences.h"
 #include "platform/linux/UDisksVolumes.h"
+#include "presets/PresetRenderer.h"
+#include "presets/PresetStore.h"
 #include "services/CopyService.h"
 #include "services/VolumeService.h"
 #include "services/XMPService.h"
@@ -71,6 +74,9 @@ private:
     ImageServices m_images;
     MemoryPressure m_memoryPressure;
     ThreadPool m_background;
+    LinuxFolderWatch m_presetWatch;
+    PresetStore m_presets;
+    PresetRenderer m_presetRenderer;
     ThreadPool m_sidecarWrites;
     SideWindows m_sideWindows;
     std::unique_ptr<LibraryViewModel> m_library;

@@ -119,6 +119,7 @@ CommandState commandState(const WindowCommand& command, const LibraryViewModel& 
     case Kind::goBack:
     case Kind::focusPhotos:
     case Kind::toggleOverlays:
+    case Kind::togglePresetBefore:
     case Kind::openMenus:
         break; // keys only
     }

@@ -27,18 +27,6 @@ constexpr int symbolSide = 56;
 constexpr double assumedLongSide = 6000;
 constexpr double sameAspect = 0.015;
 
-/// The size of the full picture that a thumbnail stands for. Photos of one camera mostly have one size, so
-/// the last one is a good guess where the shape is the same; then zoom and position carry over.
-LoupeView::DisplaySize likelySize(const QImage& thumbnail, const ZoomSize& last) {
-    const auto aspect = static_cast<double>(thumbnail.width()) / thumbnail.height();
-    if (last.isPositive() && std::abs(last.width / last.height / aspect - 1) < sameAspect) {
-        return {last, ZoomableImageView::SizeIs::likely};
-    }
-    const auto scale = assumedLongSide / std::max(thumbnail.width(), thumbnail.height());
-    return {{std::round(thumbnail.width() * scale), std::round(thumbnail.height() * scale)},
-            ZoomableImageView::SizeIs::unknown};
-}
-
 QString captionText(const DevelopPreset& preset) {
     auto caption = LoupeView::tr("Previewing preset “%1” (approximate) · \\ shows before / after")
                        .arg(text(preset.title));
@@ -201,6 +189,16 @@ void LoupeView::showPicture() {
     display();
     refreshInfo();
     refreshOverlays();
+}
+
+LoupeView::DisplaySize LoupeView::likelySize(const QImage& thumbnail, const ZoomSize& last) {
+    const auto aspect = static_cast<double>(thumbnail.width()) / thumbnail.height();
+    if (last.isPositive() && std::abs(last.width / last.height / aspect - 1) < sameAspect) {
+        return {last, ZoomableImageView::SizeIs::likely};
+    }
+    const auto scale = assumedLongSide / std::max(thumbnail.width(), thumbnail.height());
+    return {{std::round(thumbnail.width() * scale), std::round(thumbnail.height() * scale)},
+            ZoomableImageView::SizeIs::unknown};
 }
 
 void LoupeView::display() {

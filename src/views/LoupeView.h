@@ -64,6 +64,14 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
+    struct DisplaySize {
+        ZoomSize pixels;
+        ZoomableImageView::SizeIs certainty = ZoomableImageView::SizeIs::unknown;
+    };
+    /// The size of the full picture that a thumbnail stands for. Photos of one camera mostly have one size,
+    /// so the last one is a good guess where the shape is the same; then zoom and position carry over.
+    [[nodiscard]] static DisplaySize likelySize(const QImage& thumbnail, const ZoomSize& last);
+
     void makeLayout(ThumbnailService& thumbnails);
     [[nodiscard]] QWidget* makeCannotPreview();
     void observe();
@@ -77,11 +85,6 @@ private:
     [[nodiscard]] bool showsVideo() const;
     /// The preset that the picture is shown through; null for none.
     [[nodiscard]] PresetStore::Preset previewedPreset() const;
-
-    struct DisplaySize {
-        ZoomSize pixels;
-        ZoomableImageView::SizeIs certainty = ZoomableImageView::SizeIs::unknown;
-    };
 
     LibraryViewModel& m_library;
     PresetStore& m_presets;

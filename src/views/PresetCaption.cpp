@@ -16,7 +16,7 @@ constexpr QMargins padding{10, 5, 10, 6};
 PresetCaption::PresetCaption(QWidget* parent) : QLabel{parent} {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setTextFormat(Qt::PlainText);
-    setFont(font(TextRole::caption));
+    setFont(kelvara::font(TextRole::caption));
     setAlignment(Qt::AlignCenter);
     setWordWrap(true);
     setContentsMargins(padding);
