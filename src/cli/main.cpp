@@ -1,6 +1,8 @@
 #include "cli/CopyCommand.h"
 #include "cli/ListCommand.h"
+#include "cli/LookCommand.h"
 #include "cli/MetadataCommand.h"
+#include "cli/PresetCommand.h"
 #include "cli/RateCommand.h"
 #include "cli/RatingsCommand.h"
 #include "cli/ThumbnailCommand.h"
@@ -30,6 +32,8 @@ int main(int argc, char** argv) {
     commands.push_back(std::make_unique<RatingsCommand>(app, files));
     commands.push_back(std::make_unique<MetadataCommand>(app));
     commands.push_back(std::make_unique<ThumbnailCommand>(app, files));
+    commands.push_back(std::make_unique<PresetCommand>(app));
+    commands.push_back(std::make_unique<LookCommand>(app, files));
 #ifdef KELVARA_CLI_VOLUMES
     commands.push_back(std::make_unique<VolumesCommand>(app));
     commands.push_back(std::make_unique<EjectCommand>(app));

@@ -27,8 +27,9 @@ std::optional<PresetValue> presetValue(const Json& json) {
 }
 
 DevelopPreset preset(const Json& json) {
+    const auto values = json.value("settings", Json::object());
     PresetSettings settings;
-    for (const auto& [key, value] : json.value("settings", Json::object()).items()) {
+    for (const auto& [key, value] : values.items()) {
         if (auto setting = presetValue(value)) settings.emplace(key, std::move(*setting));
     }
     auto preset = DevelopPreset::of("builtin/" + json.value("name", std::string{}),

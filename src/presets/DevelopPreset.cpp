@@ -121,6 +121,16 @@ Result<DevelopPreset, DevelopPreset::LoadError> DevelopPreset::read(std::string_
     return preset;
 }
 
+RGB DevelopPreset::apply(const RGB& color) const {
+    auto result = look.apply(color);
+    if (amount < 1) {
+        for (std::size_t i = 0; i < result.size(); ++i) {
+            result[i] = color[i] + (result[i] - color[i]) * amount;
+        }
+    }
+    return adjustments.isIdentity ? result : adjustments.apply(result);
+}
+
 DevelopPreset DevelopPreset::withAmount(double strength) const {
     auto changed = *this;
     changed.amount = strength;

@@ -61,6 +61,9 @@ struct DevelopPreset {
     /// A preset of these settings, at full strength.
     [[nodiscard]] static DevelopPreset of(std::string id, std::string title, PresetSettings settings);
 
+    /// What the preset makes of a colour: its look at its strength, then the adjustments.
+    [[nodiscard]] RGB apply(const RGB& color) const;
+
     /// The same preset at another strength, 0 to 1. Changing `amount` itself keeps the revision.
     [[nodiscard]] DevelopPreset withAmount(double strength) const;
     /// The preset with a photo's edits as its `adjustments`. Without edits the preset itself; without a

@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <optional>
-#include <set>
 #include <string_view>
 
 namespace kelvara {
@@ -20,13 +19,9 @@ namespace {
 // Far above what photographers have, far below what hurts.
 constexpr std::int64_t maximumArchiveBytes = 128 << 20;
 constexpr std::size_t maximumUnpackedBytes = 512 << 20;
-constexpr std::size_t maximumPresets = 20'000;
+constexpr std::size_t maximumFiles = 20'000;
 
 using Path = std::vector<std::string>; // names of folders, from the outermost
-
-template <typename... Arguments> std::string sentence(std::string_view text, const Arguments&... arguments) {
-    return fmt::format(fmt::runtime(localized(text)), arguments...);
-}
 
 std::string isNoPreset(std::string_view name) {
     return message(DevelopPreset::LoadError{DevelopPreset::LoadError::Kind::unreadable, std::string{name}});
@@ -80,12 +75,20 @@ public:
     }
 
 private:
+    /// Whether to go on with one more file of a folder or an archive.
+    bool admitsOne() {
+        if (++m_fileCount > maximumFiles || m_unpackedBytes > maximumUnpackedBytes) {
+            fail(localized("These are too many presets to import at once."));
+        }
+        return goesOn();
+    }
+
     void addFolder(const FileURL& folder) {
         const auto found = presetFiles(m_files, folder, m_stop);
         if (!found) return complain(message(found.error()));
         const auto top = folder.standardized();
         for (const auto& file : *found) {
-            if (!goesOn()) return;
+            if (!admitsOne()) return;
             auto path = parts(file.parent().standardized().path().substr(top.path().size()));
             path.insert(path.begin(), std::string{top.name()});
             addFile(file, path);
@@ -132,13 +135,14 @@ private:
         };
         const auto hasTop = std::all_of(found.begin(), found.end(), isInTheFirstFolder);
         for (auto& file : found) {
-            if (!goesOn()) return;
+            if (!admitsOne()) return;
             if (!hasTop) file.path.insert(file.path.begin(), std::string{url.stem()});
             const auto unpacked = archive->read(file.entry, DevelopPreset::maximumFileSize);
+            m_unpackedBytes += unpacked ? unpacked->size() : DevelopPreset::maximumFileSize;
             if (unpacked) {
                 addPreset(file.path, file.name, *unpacked);
             } else if (unpacked.error() == ZipArchive::Problem::encrypted) {
-                complain(sentence("{} is protected by a password.", file.name));
+                complain(fmt::format(fmt::runtime(localized("{} is protected by a password.")), file.name));
             } else {
                 complain(isNoPreset(file.name));
             }
@@ -146,16 +150,12 @@ private:
     }
 
     void addPreset(const Path& path, std::string_view fileName, std::string_view bytes) {
-        m_unpackedBytes += bytes.size();
-        if (++m_presetCount > maximumPresets || m_unpackedBytes > maximumUnpackedBytes) {
-            return fail(localized("These are too many presets to import at once."));
-        }
         auto folder = m_folder;
         for (const auto& part : path) {
             if (const auto name = plainName(part); !name.empty()) folder = folder.child(name);
         }
         const auto wanted = folder.child(plainName(fileName));
-        auto number = firstFree(wanted, bytes);
+        const auto number = firstFree(wanted, bytes);
         if (!number) {
             ++m_report.alreadyThere;
             return;
@@ -204,7 +204,7 @@ private:
     const FileURL& m_folder;
     const std::stop_token& m_stop;
     PresetImportReport m_report;
-    std::size_t m_presetCount = 0;
+    std::size_t m_fileCount = 0;
     std::size_t m_unpackedBytes = 0;
 };
 

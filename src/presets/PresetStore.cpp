@@ -314,10 +314,10 @@ void PresetStore::didImport(PresetImportReport report) {
 void PresetStore::publishImport() {
     if (!m_waitingSources.empty()) return importWaiting();
     const Change change{*this};
+    const std::set<std::string_view> imported{m_runningReport.imported.begin(),
+                                              m_runningReport.imported.end()};
     for (const auto& entry : m_entries) {
-        const auto& ids = m_runningReport.imported;
-        const bool isNew = std::find(ids.begin(), ids.end(), entry.preset->id) != ids.end();
-        if (isNew) setExpanded(entry.categoryID, true);
+        if (imported.contains(entry.preset->id)) setExpanded(entry.categoryID, true);
     }
     auto error = m_runningReport.failure;
     if (error.empty() && m_runningReport.foundNone() && !m_runningReport.wasCancelled) {
