@@ -7,6 +7,22 @@
 #include <new>
 #include <utility>
 
+#ifndef KELVARA_PRESETS_LOCAL_CONTRAST // this file is read once for every kind of processor
+#define KELVARA_PRESETS_LOCAL_CONTRAST
+namespace kelvara {
+namespace {
+
+/// What one pixel of a reduced copy is the sum of: some in a row of another, of which the outer ones may
+/// count several times, as the edge does for what lies beyond it.
+struct Stretch {
+    std::size_t first, last;
+    float firstTimes, lastTimes; ///< The first counts for both where it is the last.
+};
+
+} // namespace
+} // namespace kelvara
+#endif
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "presets/LocalContrast.cpp"
 #include <hwy/foreach_target.h>
@@ -74,21 +90,23 @@ void addRows(const float* const* rows, const float* weights, std::size_t rowCoun
     }
 }
 
-/// The sum of `count` pixels, the last one counted `lastTimes`, times `scale`.
-void addPixels(const float* pixels, std::size_t count, float lastTimes, float scale, float* to) {
+/// The sum of the pixels of a stretch, times `scale`.
+void addPixels(const float* row, const Stretch& stretch, float scale, float* to) {
     const hn::CappedTag<float, 4> d;
     for (std::size_t c = 0; c < 4; c += hn::Lanes(d)) {
-        auto sum = hn::Mul(hn::LoadU(d, pixels + (count - 1) * 4 + c), hn::Set(d, lastTimes));
-        for (std::size_t i = 0; i + 1 < count; ++i) sum = hn::Add(sum, hn::LoadU(d, pixels + i * 4 + c));
+        const auto* pixels = row + c;
+        auto sum = hn::Mul(hn::LoadU(d, pixels + stretch.first * 4), hn::Set(d, stretch.firstTimes));
+        for (auto i = stretch.first + 1; i < stretch.last; ++i)
+            sum = hn::Add(sum, hn::LoadU(d, pixels + i * 4));
+        if (stretch.first < stretch.last)
+            sum =
+                hn::Add(sum, hn::Mul(hn::LoadU(d, pixels + stretch.last * 4), hn::Set(d, stretch.lastTimes)));
         hn::StoreU(hn::Mul(sum, hn::Set(d, scale)), d, to + c);
     }
 }
 
-void reducedRow(const float* sums, std::size_t width, std::size_t factor, float scale, float* to) {
-    for (std::size_t x = 0; x < width; x += factor, to += 4) {
-        const auto count = std::min(factor, width - x);
-        addPixels(sums + x * 4, count, static_cast<float>(factor - count + 1), scale, to);
-    }
+void addStretches(const float* row, const Stretch* stretches, std::size_t count, float scale, float* to) {
+    for (std::size_t i = 0; i < count; ++i) addPixels(row, stretches[i], scale, to + i * 4);
 }
 
 void scalePixels(float* pixels, float scale, std::size_t count) {
@@ -131,48 +149,67 @@ HWY_EXPORT(add8);
 HWY_EXPORT(add16);
 HWY_EXPORT(addFloats);
 HWY_EXPORT(addRows);
-HWY_EXPORT(reducedRow);
+HWY_EXPORT(addStretches);
 HWY_EXPORT(scalePixels);
 HWY_EXPORT(subtractStretched);
 
 namespace {
 
-using Picture = std::unique_ptr<FloatPicture>;
+using Picture = std::unique_ptr<ReducedPicture>;
 
 /// Pixels of a reduced copy that are worth a thread of their own.
 constexpr std::int64_t fewestPixels = 1 << 14;
 
-void addRow(const Bitmap& from, int y, float times, float* sums) {
-    const auto count = static_cast<std::size_t>(from.width()) * 4;
+void addRow(const Bitmap& from, std::size_t y, float times, std::vector<float>& sums) {
+    const auto row = static_cast<int>(y);
     if (from.format() == PixelFormat::bgrx8)
-        HWY_DYNAMIC_DISPATCH(add8)(from.row(y).data(), times, sums, count);
+        HWY_DYNAMIC_DISPATCH(add8)(from.row(row).data(), times, sums.data(), sums.size());
     else
-        HWY_DYNAMIC_DISPATCH(add16)(from.row16(y).data(), times, sums, count);
+        HWY_DYNAMIC_DISPATCH(add16)(from.row16(row).data(), times, sums.data(), sums.size());
 }
-void addRow(const FloatPicture& from, int y, float times, float* sums) {
-    HWY_DYNAMIC_DISPATCH(addFloats)(from.row(y), times, sums, from.rowFloats());
+void addRow(const ReducedPicture& from, std::size_t y, float times, std::vector<float>& sums) {
+    HWY_DYNAMIC_DISPATCH(addFloats)(from.row(static_cast<int>(y)), times, sums.data(), sums.size());
 }
 
-/// The means of squares of `factor` pixels, times `scale`; beyond the edge the picture goes on as it ends.
-template <typename Source> Picture reduced(const Source& source, int factor, float scale,
+/// For an axis of `length` pixels with `border` more at either end, reduced by `factor`, with a new border.
+std::vector<Stretch> stretches(int length, int border, int factor) {
+    std::vector<Stretch> result;
+    const int blocks = (length + factor - 1) / factor;
+    for (int block = -ReducedPicture::border; block < blocks + ReducedPicture::border; ++block) {
+        const std::int64_t begin = std::int64_t{block} * factor, end = begin + factor - 1;
+        const auto first = std::clamp<std::int64_t>(begin, -border, length - 1 + border);
+        const auto last = std::clamp<std::int64_t>(end, -border, length - 1 + border);
+        const auto place = [border](std::int64_t i) { return static_cast<std::size_t>(i + border); };
+        if (first == last)
+            result.push_back({place(first), place(last), static_cast<float>(factor), 0});
+        else
+            result.push_back({place(first), place(last), static_cast<float>(first - begin + 1),
+                              static_cast<float>(end - last + 1)});
+    }
+    return result;
+}
+
+/// The means of squares of `factor` pixels, times `scale`.
+template <typename Source> Picture reduced(const Source& source, int border, int factor, float scale,
                                            std::int64_t pixelsOfSlice, const std::stop_token& stop) {
     const auto size = source.size();
     const auto blocks = [factor](int length) { return (length + factor - 1) / factor; };
-    auto result = FloatPicture::create({blocks(size.width), blocks(size.height)});
+    auto result = ReducedPicture::create({blocks(size.width), blocks(size.height)});
     if (!result) return nullptr;
     scale /= static_cast<float>(factor) * static_cast<float>(factor);
-    const auto width = static_cast<std::size_t>(size.width);
+    const auto down = stretches(size.height, border, factor), across = stretches(size.width, border, factor);
     forRowSlices(
-        result->size().height, size.pixels(),
+        result->rows(), size.pixels(),
         [&](int begin, int end) {
-            std::vector<float> sums(width * 4);
+            std::vector<float> sums(static_cast<std::size_t>(size.width + 2 * border) * 4);
             for (int y = begin; y < end && !stop.stop_requested(); ++y) {
                 std::ranges::fill(sums, 0.0F);
-                const int first = y * factor, rows = std::min(factor, size.height - first);
-                for (int i = 0; i + 1 < rows; ++i) addRow(source, first + i, 1, sums.data());
-                addRow(source, first + rows - 1, static_cast<float>(factor - rows + 1), sums.data());
-                HWY_DYNAMIC_DISPATCH(reducedRow)
-                (sums.data(), width, static_cast<std::size_t>(factor), scale, result->row(y));
+                const auto& [first, last, firstTimes, lastTimes] = down[static_cast<std::size_t>(y)];
+                addRow(source, first, firstTimes, sums);
+                for (auto i = first + 1; i < last; ++i) addRow(source, i, 1, sums);
+                if (first < last) addRow(source, last, lastTimes, sums);
+                HWY_DYNAMIC_DISPATCH(addStretches)
+                (sums.data(), across.data(), across.size(), scale, result->row(y));
             }
         },
         pixelsOfSlice);
@@ -194,7 +231,7 @@ std::vector<float> gaussian(double sigma) {
     return result;
 }
 
-void blurAcross(const FloatPicture& from, FloatPicture& to, const std::vector<float>& weights, int begin,
+void blurAcross(const ReducedPicture& from, ReducedPicture& to, const std::vector<float>& weights, int begin,
                 int end) {
     const auto reach = weights.size() / 2;
     std::vector<float> padded(from.rowFloats() + reach * 8);
@@ -212,42 +249,59 @@ void blurAcross(const FloatPicture& from, FloatPicture& to, const std::vector<fl
     }
 }
 
-void blurDown(const FloatPicture& from, FloatPicture& to, const std::vector<float>& weights, int begin,
+void blurDown(const ReducedPicture& from, ReducedPicture& to, const std::vector<float>& weights, int begin,
               int end) {
     const int reach = static_cast<int>(weights.size() / 2);
     std::vector<const float*> rows(weights.size());
     for (int y = begin; y < end; ++y) {
         for (int i = -reach; i <= reach; ++i)
-            rows[static_cast<std::size_t>(i + reach)] =
-                from.row(std::clamp(y + i, 0, from.size().height - 1));
+            rows[static_cast<std::size_t>(i + reach)] = from.row(std::clamp(y + i, 0, from.rows() - 1));
         HWY_DYNAMIC_DISPATCH(addRows)
         (rows.data(), weights.data(), weights.size(), to.row(y), from.rowFloats());
     }
 }
 
-Picture blurred(const FloatPicture& source, double sigma, const std::stop_token& stop) {
-    const auto across = FloatPicture::create(source.size());
-    auto result = FloatPicture::create(source.size());
+Picture blurred(const ReducedPicture& source, double sigma, const std::stop_token& stop) {
+    const auto across = ReducedPicture::create(source.size());
+    auto result = ReducedPicture::create(source.size());
     if (!across || !result) return nullptr;
     const auto weights = gaussian(sigma);
     const auto size = source.size();
     forRowSlices(
-        size.height, size.pixels(),
+        source.rows(), size.pixels(),
         [&](int begin, int end) { blurAcross(source, *across, weights, begin, end); }, fewestPixels);
     if (stop.stop_requested()) return nullptr;
     forRowSlices(
-        size.height, size.pixels(),
+        source.rows(), size.pixels(),
         [&](int begin, int end) { blurDown(*across, *result, weights, begin, end); }, fewestPixels);
     if (stop.stop_requested()) return nullptr;
     return result;
 }
 
-/// What a stage makes of the reduced copy itself.
-void sharpen(FloatPicture& picture, const FloatPicture& blurred, float amount) {
-    for (int y = 0; y < picture.size().height; ++y) {
-        std::transform(picture.row(y), picture.row(y) + picture.rowFloats(), blurred.row(y), picture.row(y),
-                       [amount](float value, float soft) { return value + amount * (value - soft); });
-    }
+/// What a stage makes of the reduced copy itself. The border is to continue the outermost pixels of the large
+/// picture, where `edgeShare` of the blur comes from the first reduced pixel and the rest from the border.
+void sharpen(ReducedPicture& picture, const ReducedPicture& blurred, float amount, float edgeShare) {
+    const auto sharpenRow = [&](int y) {
+        const auto* soft = blurred.row(y);
+        const auto* inside = blurred.row(std::clamp(y, 1, picture.rows() - 2));
+        auto* row = picture.row(y);
+        const auto sharpenPixel = [&](std::size_t at, std::size_t atInside) {
+            for (std::size_t c = 0; c < 4; ++c) {
+                const float edge = soft[at + c] + edgeShare * (inside[atInside + c] - soft[at + c]);
+                row[at + c] += amount * (row[at + c] - edge);
+            }
+        };
+        const auto last = picture.rowFloats() - 4;
+        sharpenPixel(0, 4);
+        for (std::size_t at = 4; at < last; at += 4) sharpenPixel(at, at);
+        sharpenPixel(last, last - 4);
+    };
+    forRowSlices(
+        picture.rows(), picture.size().pixels(),
+        [&](int begin, int end) {
+            for (int y = begin; y < end; ++y) sharpenRow(y);
+        },
+        fewestPixels);
 }
 
 /// Of the next reduced pixel in each of the `factor` pixels from the middle of one on.
@@ -261,11 +315,11 @@ std::vector<float> sharesOfNext(int factor) {
 
 } // namespace
 
-Picture FloatPicture::create(PixelSize size) {
-    const auto floats = static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height) * 4;
-    std::unique_ptr<float[]> pixels{new (std::nothrow) float[floats]};
-    if (!pixels) return nullptr;
-    return Picture{new FloatPicture{size, std::move(pixels)}};
+Picture ReducedPicture::create(PixelSize size) {
+    Picture picture{new ReducedPicture{size}};
+    const auto floats = picture->rowFloats() * static_cast<std::size_t>(picture->rows());
+    picture->m_pixels.reset(new (std::nothrow) float[floats]);
+    return picture->m_pixels ? std::move(picture) : nullptr;
 }
 
 std::optional<LocalContrast> LocalContrast::make(const Bitmap& source, std::span<const Stage> stages,
@@ -273,16 +327,17 @@ std::optional<LocalContrast> LocalContrast::make(const Bitmap& source, std::span
     LocalContrast result;
     Picture picture; // reduced by `factor`
     int factor = 1;
-    for (const auto& [amount, radius] : stages) {
+    for (const auto& stage : stages) {
+        const auto& [amount, radius] = stage;
         if (amount == 0 || radius < 0.5) continue;
         const auto wanted = static_cast<int>(std::ceil(std::max(1.0, radius * 0.125)));
         if (!picture) {
             const float scale = source.format() == PixelFormat::bgrx8 ? 1.0F / 255 : 1.0F / 65535;
             factor = wanted;
-            picture = reduced(source, factor, scale, 1 << 20, stop);
+            picture = reduced(source, 0, factor, scale, 1 << 20, stop);
         } else if (const int step = (wanted + factor - 1) / factor; step > 1) {
             factor *= step;
-            picture = reduced(*picture, step, 1, fewestPixels, stop);
+            picture = reduced(*picture, ReducedPicture::border, step, 1, fewestPixels, stop);
         }
         if (!picture) return std::nullopt;
         // Reduction and what interpolates between the reduced pixels blur a little too.
@@ -290,32 +345,31 @@ std::optional<LocalContrast> LocalContrast::make(const Bitmap& source, std::span
         auto soft = blurred(*picture, std::sqrt(variance), stop);
         if (!soft) return std::nullopt;
         const auto weight = static_cast<float>(amount);
-        sharpen(*picture, *soft, weight);
+        auto shares = sharesOfNext(factor);
+        if (&stage != &stages.back())
+            sharpen(*picture, *soft, weight,
+                    factor == 1 ? 1 : shares[static_cast<std::size_t>(factor - factor / 2)]);
         result.m_sourceWeight *= 1 + weight;
         for (auto& layer : result.m_layers) layer.weight *= 1 + weight;
-        result.m_layers.push_back({weight, factor, sharesOfNext(factor), std::move(soft)});
+        result.m_layers.push_back({weight, factor, std::move(shares), std::move(soft)});
     }
     return result;
 }
 
 LocalContrast::Rows::Rows(const LocalContrast& contrast) : m_contrast{contrast} {
-    for (const auto& layer : contrast.m_layers) m_rows.emplace_back(layer.blurred->rowFloats() + 8);
+    for (const auto& layer : contrast.m_layers) m_rows.emplace_back(layer.blurred->rowFloats());
 }
 
 void LocalContrast::Rows::moveTo(int y) {
     for (std::size_t i = 0; i < m_rows.size(); ++i) {
         const auto& layer = m_contrast.m_layers[i];
-        const int after = y + layer.factor - layer.factor / 2; // counted from the middle before the first
-        const int place = after / layer.factor - 1;
-        const int last = layer.blurred->size().height - 1;
-        const float share = layer.shares[static_cast<std::size_t>(after % layer.factor)];
-        const std::array<const float*, 2> rows{layer.blurred->row(std::clamp(place, 0, last)),
-                                               layer.blurred->row(std::clamp(place + 1, 0, last))};
+        const int after = y + layer.factor - layer.factor / 2; // the border's middle
+        const auto share = layer.shares[static_cast<std::size_t>(after % layer.factor)];
+        const int above = after / layer.factor;
+        const std::array<const float*, 2> rows{layer.blurred->row(above), layer.blurred->row(above + 1)};
         const std::array<float, 2> weights{layer.weight * (1 - share), layer.weight * share};
-        auto& row = m_rows[i];
-        HWY_DYNAMIC_DISPATCH(addRows)(rows.data(), weights.data(), 2, row.data() + 4, row.size() - 8);
-        std::copy_n(row.data() + 4, 4, row.data());
-        std::copy_n(row.data() + row.size() - 8, 4, row.data() + row.size() - 4);
+        HWY_DYNAMIC_DISPATCH(addRows)
+        (rows.data(), weights.data(), rows.size(), m_rows[i].data(), m_rows[i].size());
     }
 }
 

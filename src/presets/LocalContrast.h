@@ -12,22 +12,29 @@
 
 namespace kelvara {
 
-/// A picture of four floats a pixel, usually a reduced one.
-class FloatPicture {
+/// A reduced copy of a picture: four floats a pixel, and a border of one pixel around it that continues the
+/// edge of the picture itself, of which the outermost pixels are only a part.
+class ReducedPicture {
 public:
-    /// Null when memory is short. Pixels start undefined.
-    [[nodiscard]] static std::unique_ptr<FloatPicture> create(PixelSize size);
+    static constexpr int border = 1;
 
+    /// Null when memory is short. Pixels start undefined.
+    [[nodiscard]] static std::unique_ptr<ReducedPicture> create(PixelSize size);
+
+    /// Without the border.
     [[nodiscard]] PixelSize size() const { return m_size; }
+    [[nodiscard]] int rows() const { return m_size.height + 2 * border; }
+    [[nodiscard]] std::size_t rowFloats() const {
+        return static_cast<std::size_t>(m_size.width + 2 * border) * 4;
+    }
+    /// Both with the border, 0 is its top.
     [[nodiscard]] float* row(int y) { return m_pixels.get() + rowFloats() * static_cast<std::size_t>(y); }
     [[nodiscard]] const float* row(int y) const {
         return m_pixels.get() + rowFloats() * static_cast<std::size_t>(y);
     }
-    [[nodiscard]] std::size_t rowFloats() const { return static_cast<std::size_t>(m_size.width) * 4; }
 
 private:
-    FloatPicture(PixelSize size, std::unique_ptr<float[]> pixels)
-        : m_size{size}, m_pixels{std::move(pixels)} {}
+    explicit ReducedPicture(PixelSize size) : m_size{size} {}
 
     PixelSize m_size;
     std::unique_ptr<float[]> m_pixels;
@@ -56,7 +63,7 @@ private:
         float weight;              ///< How many times the blurred copy is subtracted in the end.
         int factor;                ///< What it is reduced by.
         std::vector<float> shares; ///< Of the next blurred pixel in the pixels between two.
-        std::unique_ptr<const FloatPicture> blurred;
+        std::unique_ptr<const ReducedPicture> blurred;
     };
 
     float m_sourceWeight = 1;
@@ -75,7 +82,7 @@ public:
 
 private:
     const LocalContrast& m_contrast;
-    std::vector<std::vector<float>> m_rows; ///< Of each layer, weighted, with a pixel more at either end.
+    std::vector<std::vector<float>> m_rows; ///< Of each layer, weighted.
 };
 
 } // namespace kelvara
