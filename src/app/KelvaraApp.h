@@ -47,6 +47,7 @@ public:
     ~KelvaraApp();
 
     [[nodiscard]] LibraryViewModel& library() { return *m_library; }
+    [[nodiscard]] PresetStore& presets() { return m_presets; }
     [[nodiscard]] RootView& window() { return *m_window; }
     [[nodiscard]] Preferences& preferences() { return m_preferences; }
 
