@@ -50,6 +50,14 @@ void PresetPreview::withdraw() {
     m_rest.stop();
 }
 
+bool PresetPreview::isLoading() const {
+    return m_live.isPending() || m_fine.isPending() || m_isHalving || m_rest.isActive();
+}
+
+bool PresetPreview::isRefining() const {
+    return isLoading() && m_subject.level < liveLevel() && !isDrawn(m_subject.level);
+}
+
 int PresetPreview::liveLevel() const {
     auto level = m_subject.level;
     while (m_subject.plain->bitmap(level)->size().longestSide() > liveSide) ++level;

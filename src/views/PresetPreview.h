@@ -45,9 +45,9 @@ public:
     /// The photo as drawn, of fewer pixels than it will have or for a moment through the preset before; null
     /// where only the plain picture can be shown.
     [[nodiscard]] const Picture& picture() const { return m_drawn; }
-    /// Whether a picture in full resolution is on its way in place of a smaller one.
-    [[nodiscard]] bool isRefining() const { return m_fine.isPending() || m_isHalving; }
-    [[nodiscard]] bool isLoading() const { return m_live.isPending() || m_rest.isActive() || isRefining(); }
+    [[nodiscard]] bool isLoading() const;
+    /// Whether the view shows more pixels than are drawn at once, and they are still to come.
+    [[nodiscard]] bool isRefining() const;
 
 private:
     [[nodiscard]] int liveLevel() const;

@@ -143,6 +143,13 @@ TEST_F(LoupePresetTest, drawsWhatTheZoomShowsAndKeepsZoomAndPlace) {
     EXPECT_EQ(view().geometry().origin(), origin);
     EXPECT_EQ(view().geometry().magnification(), 1.0);
 
+    focus(1);
+    EXPECT_FALSE(m_loupe->preview().isRefining()); // there is too little of the photo yet
+    settleLoupe();
+    EXPECT_EQ(view().image()->image().width(), 2400);
+    EXPECT_TRUE(shows(1, "a.xmp"));
+    EXPECT_EQ(view().geometry().origin(), origin);
+
     // At fit fewer pixels do, whichever preset comes.
     m_library->requestZoom(ZoomRequest::Command::fit);
     ASSERT_TRUE(QTest::qWaitFor([&] { return view().geometry().isAtFit(); }));
