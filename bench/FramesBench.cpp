@@ -101,10 +101,10 @@ void measureScrolling(PhotoGridView& grid) {
     });
 }
 
-QImage syntheticPhoto(int width, int height) {
-    QImage image{width, height, QImage::Format_RGB32};
+BitmapPtr syntheticPhoto(int width, int height) {
+    auto image = Bitmap::create({width, height}, ColorProfile::sRGB());
     for (int y = 0; y < height; ++y) {
-        auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
+        auto* row = reinterpret_cast<QRgb*>(image->row(y).data());
         for (int x = 0; x < width; ++x) row[x] = qRgb((x * 7 + y) & 255, (x ^ y) & 255, (x + y * 3) & 255);
     }
     return image;

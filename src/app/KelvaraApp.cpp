@@ -9,6 +9,7 @@
 #include <QDBusConnection>
 #include <QFile>
 #include <QLocale>
+#include <QStandardPaths>
 #include <QSysInfo>
 #include <QUrl>
 
@@ -27,6 +28,11 @@ CopyService::SidecarWriter sidecarWriter(XMPService& sidecars) {
     };
 }
 
+FileURL presetFolder() {
+    const auto data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    return FileURL::standardized(data.toStdString()).child("Presets");
+}
+
 } // namespace
 
 KelvaraApp::KelvaraApp(const Options& options)
@@ -41,18 +47,21 @@ KelvaraApp::KelvaraApp(const Options& options)
                                                                  [this] { m_window->bringToFront(); }},
       m_locale{QLocale{}.bcp47Name().toStdString()}, m_volumeService{m_volumes, m_locale},
       m_sidecars{m_files}, m_copier{m_files, sidecarWriter(m_sidecars)}, m_images{m_main},
-      m_memoryPressure{[this] { m_images.shrinkCaches(); }}, m_background{backgroundThreads},
-      m_presetWatch{m_main}, m_presets{{.files = m_files,
-                                        .trash = m_trash,
-                                        .watch = m_presetWatch,
-                                        .desktop = m_desktop,
-                                        .preferences = m_preferences,
-                                        .background = m_background,
-                                        .main = m_main,
-                                        .folder = options.presetFolder,
-                                        .collationLocale = m_locale}},
-      m_sidecarWrites{1, ThreadPool::AtEnd::finish}, m_sideWindows{m_settings, QUrl{QStringLiteral(
-                                                                                   KELVARA_SUPPORT_URL)}} {
+      m_memoryPressure{[this] {
+          m_images.shrinkCaches();
+          m_presetRenderer.shrinkCache();
+      }},
+      m_background{backgroundThreads}, m_presetWatch{m_main}, m_presets{{.files = m_files,
+                                                                         .trash = m_trash,
+                                                                         .watch = m_presetWatch,
+                                                                         .desktop = m_desktop,
+                                                                         .preferences = m_preferences,
+                                                                         .background = m_background,
+                                                                         .main = m_main,
+                                                                         .folder = options.presetFolder,
+                                                                         .collationLocale = m_locale}},
+      m_presetRenderer{m_images.rendering(), m_main}, m_sidecarWrites{1, ThreadPool::AtEnd::finish},
+      m_sideWindows{m_settings, QUrl{QStringLiteral(KELVARA_SUPPORT_URL)}} {
     const LibraryServices services{.files = m_files,
                                    .trash = m_trash,
                                    .background = m_background,
@@ -65,7 +74,11 @@ KelvaraApp::KelvaraApp(const Options& options)
                                    .folderChooser = m_folderChooser,
                                    .desktop = m_desktop,
                                    .analytics = m_analytics,
-                                   .emptyImageCaches = [this] { m_images.emptyCaches(); },
+                                   .emptyImageCaches =
+                                       [this] {
+                                           m_images.emptyCaches();
+                                           m_presetRenderer.emptyCaches();
+                                       },
                                    .collationLocale = m_locale};
     m_analytics.record(AppStarted{});
     m_library = std::make_unique<LibraryViewModel>(services, options.folder);
@@ -90,8 +103,8 @@ PhotoCanvases KelvaraApp::makeCanvases() {
     m_grid = new PhotoGridView{*m_library, m_images.thumbnails(), m_images.metadata(), m_preferences};
     m_gridInfo =
         m_settings.observe({Setting::gridShowsInfo}, [this](const auto&) { m_grid->readPreferences(); });
-    m_loupe = new LoupeView{*m_library,          m_images.thumbnails(), m_images.previews(),
-                            m_images.metadata(), m_images.rendering(),  m_main};
+    m_loupe = new LoupeView{*m_library, m_images.thumbnails(), m_images.previews(),  m_images.metadata(),
+                            m_presets,  m_presetRenderer,      m_images.rendering(), m_main};
     auto* info = new MetadataInspector{*m_library, m_images.metadata()};
     m_presetInspector =
         new PresetInspector{*m_library, m_presets, m_images.thumbnails(), m_images.presetTiles()};
@@ -100,6 +113,7 @@ PhotoCanvases KelvaraApp::makeCanvases() {
             .isGridLoading = [grid = m_grid] { return grid->isLoading(); },
             .loupe = m_loupe,
             .isLoupeLoading = [loupe = m_loupe] { return loupe->isLoading(); },
+            .togglePresetBefore = [loupe = m_loupe] { loupe->toggleBefore(); },
             .inspector = {.info = info, .presets = m_presetInspector},
             .isInspectorLoading =
                 [info, presets = m_presetInspector] { return info->isLoading() || presets->isLoading(); },
@@ -117,6 +131,7 @@ void KelvaraApp::connectPresets() {
 
 void KelvaraApp::reloadPictures() {
     m_images.emptyPictureCaches();
+    m_presetRenderer.emptyCaches();
     m_grid->reloadThumbnails();
     m_loupe->reloadPictures();
     m_presetInspector->reloadPictures();

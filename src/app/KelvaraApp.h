@@ -19,6 +19,7 @@
 #include "platform/linux/QtMainExecutor.h"
 #include "platform/linux/SettingsPreferences.h"
 #include "platform/linux/UDisksVolumes.h"
+#include "presets/PresetRenderer.h"
 #include "presets/PresetStore.h"
 #include "services/CopyService.h"
 #include "services/VolumeService.h"
@@ -52,6 +53,7 @@ public:
     ~KelvaraApp();
 
     [[nodiscard]] LibraryViewModel& library() { return *m_library; }
+    [[nodiscard]] PresetStore& presets() { return m_presets; }
     [[nodiscard]] RootView& window() { return *m_window; }
     [[nodiscard]] Preferences& preferences() { return m_preferences; }
 
@@ -85,6 +87,7 @@ private:
     ThreadPool m_background;
     LinuxFolderWatch m_presetWatch;
     PresetStore m_presets;
+    PresetRenderer m_presetRenderer;
     ThreadPool m_sidecarWrites;
     SideWindows m_sideWindows;
     std::unique_ptr<LibraryViewModel> m_library;

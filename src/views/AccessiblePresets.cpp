@@ -57,7 +57,8 @@ public:
         return state;
     }
     void* interface_cast(QAccessible::InterfaceType type) override {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this) : nullptr;
+        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
+                                                    : nullptr;
     }
     [[nodiscard]] QStringList actionNames() const override { return {pressAction()}; }
     [[nodiscard]] QStringList keyBindingsForAction(const QString&) const override { return {}; }

@@ -121,6 +121,7 @@ CommandState commandState(const WindowCommand& command, const LibraryViewModel& 
     case Kind::toggleOverlays:
     case Kind::previousPreset:
     case Kind::nextPreset:
+    case Kind::togglePresetBefore:
     case Kind::openMenus:
         break; // keys only
     }

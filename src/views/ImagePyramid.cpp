@@ -1,5 +1,7 @@
 #include "views/ImagePyramid.h"
 
+#include "views/BitmapImage.h"
+
 #include <algorithm>
 #include <cassert>
 #include <cmath>
@@ -21,18 +23,20 @@ QRgb mean(QRgb a, QRgb b, QRgb c, QRgb d) {
     return opaque | ((even >> 2) & pairMask) | (((odd >> 2) & pairMask) << 8);
 }
 
-const QRgb* row(const QImage& image, int y) { return reinterpret_cast<const QRgb*>(image.constScanLine(y)); }
+const QRgb* pixels(const Bitmap& bitmap, int y) {
+    return reinterpret_cast<const QRgb*>(bitmap.row(y).data());
+}
 
-QImage halved(const QImage& image, const std::stop_token& stop) {
-    const auto width = image.width();
-    const auto height = image.height();
-    QImage half{(width + 1) / 2, (height + 1) / 2, QImage::Format_RGB32};
-    if (half.isNull()) return {};
-    for (int y = 0; y < half.height(); ++y) {
-        if (y % 64 == 0 && stop.stop_requested()) return {};
-        const auto* upper = row(image, 2 * y);
-        const auto* lower = row(image, std::min(2 * y + 1, height - 1));
-        auto* out = reinterpret_cast<QRgb*>(half.scanLine(y));
+BitmapPtr halved(const Bitmap& bitmap, const std::stop_token& stop) {
+    const auto width = bitmap.width();
+    const auto height = bitmap.height();
+    auto half = Bitmap::create({(width + 1) / 2, (height + 1) / 2}, bitmap.profile());
+    if (half == nullptr) return nullptr;
+    for (int y = 0; y < half->height(); ++y) {
+        if (y % 64 == 0 && stop.stop_requested()) return nullptr;
+        const auto* upper = pixels(bitmap, 2 * y);
+        const auto* lower = pixels(bitmap, std::min(2 * y + 1, height - 1));
+        auto* out = reinterpret_cast<QRgb*>(half->row(y).data());
         for (int x = 0; x < width / 2; ++x) {
             out[x] = mean(upper[2 * x], upper[2 * x + 1], lower[2 * x], lower[2 * x + 1]);
         }
@@ -44,14 +48,15 @@ QImage halved(const QImage& image, const std::stop_token& stop) {
 
 } // namespace
 
-std::shared_ptr<const ImagePyramid> ImagePyramid::build(const QImage& image, const std::stop_token& stop) {
-    if (image.isNull()) return nullptr;
-    assert(image.format() == QImage::Format_RGB32);
-    std::vector<QImage> levels{image};
-    while (std::max(levels.back().width(), levels.back().height()) > smallestSide) {
-        auto next = halved(levels.back(), stop);
-        if (next.isNull()) return nullptr;
-        levels.push_back(std::move(next));
+std::shared_ptr<const ImagePyramid> ImagePyramid::build(const BitmapPtr& bitmap,
+                                                        const std::stop_token& stop) {
+    if (bitmap == nullptr) return nullptr;
+    assert(bitmap->format() == PixelFormat::bgrx8);
+    std::vector<Level> levels{{bitmap, wrapped(bitmap)}};
+    while (levels.back().bitmap->size().longestSide() > smallestSide) {
+        const auto next = halved(*levels.back().bitmap, stop);
+        if (next == nullptr) return nullptr;
+        levels.push_back({next, wrapped(next)});
     }
     return std::shared_ptr<const ImagePyramid>{new ImagePyramid{std::move(levels)}};
 }

@@ -25,6 +25,7 @@ struct PhotoCanvases {
     std::function<bool()> isGridLoading;
     QWidget* loupe = nullptr;
     std::function<bool()> isLoupeLoading;
+    std::function<void()> togglePresetBefore = [] {}; ///< In the loupe.
     Inspector::Contents inspector{};
     std::function<bool()> isInspectorLoading = [] { return false; };
     ThumbnailService* thumbnails = nullptr; ///< For previews in sheets, which do without them.
@@ -41,6 +42,7 @@ public:
 
     /// Gives the keyboard to the photos.
     void focusPhotos();
+    void togglePresetBefore() { m_canvases.togglePresetBefore(); }
     /// Whether nothing that belongs in sight is still on its way.
     [[nodiscard]] bool isSettled() const;
 

@@ -15,11 +15,17 @@ namespace {
 constexpr int barHeight = 34;
 constexpr int starSize = 14;
 constexpr int markSize = 16;
+constexpr int presetSymbolSize = 15;
 constexpr int roomForHelp = 1240;
 constexpr int roomForExposure = 680;
 constexpr int roomForLoading = 540;
 constexpr int roomForName = 400;
 constexpr int roomForStars = 340;
+constexpr int roomForPresetSymbol = 300;
+constexpr int roomForPreset = 460;
+// What the preset takes from the others.
+constexpr int presetSymbolWidth = 40;
+constexpr int presetWidth = 160;
 
 QPixmap starsPixmap(Rating rating, qreal ratio) {
     QPixmap pixmap{(QSizeF{static_cast<qreal>(RatingStars::width(starSize)), starSize} * ratio).toSize()};
@@ -45,6 +51,10 @@ LoupeInfoBar::LoupeInfoBar(QWidget* parent) : Panel{&Theme::window, parent} {
     m_exposure = makeLabel(TextRole::caption, Tone::quiet, this);
     m_mark = new QLabel{this};
     m_stars = new QLabel{this};
+    m_presetSymbol = new QLabel{this};
+    m_presetSymbol->setContentsMargins(spacing::tiny, 0, 0, 0);
+    m_preset = new ElidedLabel{this};
+    dress(*m_preset, TextRole::caption, Tone::normal);
     m_busy = new BusyIndicator{14, this};
     m_loading = makeLabel(TextRole::caption, Tone::quiet, this, tr("Loading full resolution…"));
     const auto help = tr("Z or double-click: Fit / 100% · ⌘+ ⌘− ⌘0 · ⌘-scroll, ⌥-scroll or pinch to zoom");
@@ -65,6 +75,8 @@ LoupeInfoBar::LoupeInfoBar(QWidget* parent) : Panel{&Theme::window, parent} {
     row->addSpacing(spacing::tiny);
     row->addWidget(m_stars);
     row->addWidget(m_mark);
+    row->addWidget(m_presetSymbol);
+    row->addWidget(m_preset);
     row->addStretch(1);
     row->addWidget(m_busy);
     row->addWidget(m_loading);
@@ -94,6 +106,11 @@ void LoupeInfoBar::refresh() {
     m_mark->setVisible(m_content.isChecked);
     m_mark->setPixmap(symbol(u"checkmark.circle.fill", markSize, Theme::current().mark, ratio));
     m_mark->setAccessibleName(tr("Marked"));
+    m_presetSymbol->setPixmap(
+        symbol(u"camera.filters", presetSymbolSize, Theme::current().secondaryText, ratio));
+    m_presetSymbol->setAccessibleName(tr("Preset"));
+    m_presetSymbol->setToolTip(m_content.preset);
+    m_preset->setText(m_content.preset);
     m_busy->setVisible(m_content.isLoadingFullResolution);
     makeRoom();
     m_zoom->setVisible(m_content.zoom.has_value());
@@ -111,11 +128,16 @@ void LoupeInfoBar::resizeEvent(QResizeEvent* event) {
 }
 
 void LoupeInfoBar::makeRoom() {
-    m_name->setVisible(width() >= roomForName);
-    m_stars->setVisible(width() >= roomForStars);
-    m_loading->setVisible(m_content.isLoadingFullResolution && width() >= roomForLoading);
-    m_help->setVisible(m_content.zoom && width() >= roomForHelp);
-    m_exposure->setVisible(!m_content.exposure.isEmpty() && width() >= roomForExposure);
+    const auto hasPreset = !m_content.preset.isEmpty() && width() >= roomForPresetSymbol;
+    const auto namesPreset = hasPreset && width() >= roomForPreset;
+    m_presetSymbol->setVisible(hasPreset);
+    m_preset->setVisible(namesPreset);
+    const auto room = width() - (namesPreset ? presetWidth : hasPreset ? presetSymbolWidth : 0);
+    m_name->setVisible(room >= roomForName);
+    m_stars->setVisible(room >= roomForStars);
+    m_loading->setVisible(m_content.isLoadingFullResolution && room >= roomForLoading);
+    m_help->setVisible(m_content.zoom && room >= roomForHelp);
+    m_exposure->setVisible(!m_content.exposure.isEmpty() && room >= roomForExposure);
 }
 
 void LoupeInfoBar::changeEvent(QEvent* event) {

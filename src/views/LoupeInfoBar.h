@@ -27,6 +27,7 @@ public:
         Rating rating;
         std::optional<ZoomState> zoom; ///< Empty while it is unknown and for what doesn't zoom.
         bool isLoadingFullResolution = false;
+        QString preset{}; ///< The active preset's title and strength; empty for none.
         friend bool operator==(const Content&, const Content&) = default;
     };
 
@@ -36,6 +37,7 @@ public:
     [[nodiscard]] QString zoomText() const { return m_zoom->text(); }
     [[nodiscard]] QString exposureText() const { return m_exposure->text(); }
     [[nodiscard]] QString positionText() const { return m_position->text(); }
+    [[nodiscard]] QString presetText() const { return m_preset->text(); }
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -51,6 +53,8 @@ private:
     QLabel* m_exposure;
     QLabel* m_mark;
     QLabel* m_stars;
+    QLabel* m_presetSymbol;
+    ElidedLabel* m_preset;
     BusyIndicator* m_busy;
     QLabel* m_loading;
     QLabel* m_help;

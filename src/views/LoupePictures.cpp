@@ -1,7 +1,5 @@
 #include "views/LoupePictures.h"
 
-#include "views/BitmapImage.h"
-
 #include <utility>
 
 namespace kelvara {
@@ -58,7 +56,7 @@ void LoupePictures::begin() {
 
 void LoupePictures::showThumbnail(const BitmapPtr& bitmap) {
     // At most 1024 pixels, so halved while one waits.
-    if (bitmap) m_shown.image = ImagePyramid::build(wrapped(bitmap));
+    if (bitmap) m_shown.image = ImagePyramid::build(bitmap);
 }
 
 void LoupePictures::receiveQuick(const BitmapPtr& bitmap) {
@@ -86,14 +84,13 @@ void LoupePictures::receiveFull(const BitmapPtr& bitmap) {
         end();
         return m_onChange();
     }
-    m_halving.start(
-        [image = wrapped(bitmap)](const std::stop_token& stop) { return ImagePyramid::build(image, stop); },
-        [this](std::shared_ptr<const ImagePyramid> image) {
-            m_shown.isFullResolution = image != nullptr;
-            if (image) m_shown.image = std::move(image);
-            end();
-            m_onChange();
-        });
+    m_halving.start([bitmap](const std::stop_token& stop) { return ImagePyramid::build(bitmap, stop); },
+                    [this](std::shared_ptr<const ImagePyramid> image) {
+                        m_shown.isFullResolution = image != nullptr;
+                        if (image) m_shown.image = std::move(image);
+                        end();
+                        m_onChange();
+                    });
 }
 
 void LoupePictures::end() {

@@ -4,10 +4,10 @@
 #include "views/FilmstripView.h"
 #include "views/LoupeInfoBar.h"
 #include "views/LoupeVideoPlayer.h"
+#include "views/PresetCaption.h"
 #include "views/Symbols.h"
 #include "views/Text.h"
 #include "views/ThumbnailCell.h"
-#include "views/ZoomableImageView.h"
 
 #include <QContextMenuEvent>
 #include <QEvent>
@@ -27,32 +27,26 @@ constexpr int symbolSide = 56;
 constexpr double assumedLongSide = 6000;
 constexpr double sameAspect = 0.015;
 
-struct Size {
-    ZoomSize pixels;
-    ZoomableImageView::SizeIs certainty;
-};
-
-/// The size of the full picture that a thumbnail stands for. Photos of one camera mostly have one size, so
-/// the last one is a good guess where the shape is the same; then zoom and position carry over.
-Size likelySize(const QImage& thumbnail, const ZoomSize& last) {
-    const auto aspect = static_cast<double>(thumbnail.width()) / thumbnail.height();
-    if (last.isPositive() && std::abs(last.width / last.height / aspect - 1) < sameAspect) {
-        return {last, ZoomableImageView::SizeIs::likely};
-    }
-    const auto scale = assumedLongSide / std::max(thumbnail.width(), thumbnail.height());
-    return {{std::round(thumbnail.width() * scale), std::round(thumbnail.height() * scale)},
-            ZoomableImageView::SizeIs::unknown};
+QString captionText(const DevelopPreset& preset) {
+    auto caption = LoupeView::tr("Previewing preset “%1” (approximate) · \\ shows before / after")
+                       .arg(text(preset.title));
+    if (preset.unsupportedSettings.empty()) return caption;
+    QStringList parts;
+    for (const auto& part : preset.unsupportedSettings) parts.append(text(part));
+    return caption + u'\n' + LoupeView::tr("Not previewed: %1").arg(parts.join(QStringLiteral(", ")));
 }
 
 } // namespace
 
 LoupeView::LoupeView(LibraryViewModel& library, ThumbnailService& thumbnails, PreviewService& previews,
-                     MetadataService& metadata, Executor& rendering, Executor& main, QWidget* parent)
-    : QWidget{parent}, m_library{library},
-      m_pictures{library, thumbnails, previews, rendering, main, [this] { showPicture(); }}, m_metadata{metadata} {
+                     MetadataService& metadata, PresetStore& presets, PresetRenderer& presetRenderer,
+                     Executor& rendering, Executor& main, QWidget* parent)
+    : QWidget{parent}, m_library{library}, m_presets{presets},
+      m_pictures{library, thumbnails, previews, rendering, main, [this] { showPicture(); }},
+      m_preview{library, thumbnails, presetRenderer, rendering, main, [this] { showPicture(); }}, m_metadata{metadata} {
     setFocusPolicy(Qt::StrongFocus);
     makeLayout(thumbnails);
-    observeLibrary();
+    observe();
     refreshOverlays();
 }
 
@@ -76,7 +70,16 @@ void LoupeView::makeLayout(ThumbnailService& thumbnails) {
     column->addWidget(stage, 1);
     column->addWidget(m_info);
     column->addWidget(m_filmstrip);
-    connect(m_image, &ZoomableImageView::zoomChanged, this, &LoupeView::refreshInfo);
+    connect(m_image, &ZoomableImageView::zoomChanged, this, &LoupeView::showPicture);
+
+    m_beforeBadge = new PresetCaption{m_image};
+    m_beforeBadge->setText(tr("Before"));
+    m_caption = new PresetCaption{m_image};
+    auto* over = new QVBoxLayout{m_image};
+    over->setContentsMargins(spacing::medium, spacing::medium, spacing::medium, spacing::medium);
+    over->addWidget(m_beforeBadge, 0, Qt::AlignLeft | Qt::AlignTop);
+    over->addStretch(1);
+    over->addWidget(m_caption, 0, Qt::AlignHCenter | Qt::AlignBottom);
 }
 
 QWidget* LoupeView::makeCannotPreview() {
@@ -100,7 +103,11 @@ QWidget* LoupeView::makeCannotPreview() {
     return page;
 }
 
-void LoupeView::observeLibrary() {
+void LoupeView::observe() {
+    m_subscriptions.push_back(
+        m_presets.observe({PresetProperty::activePreset, PresetProperty::showsPreviews}, [this](const auto&) {
+            if (isVisible()) showPicture();
+        }));
     using P = LibraryProperty;
     m_subscriptions.push_back(
         m_library.observe({P::focusedID, P::visibleItems}, [this](const auto&) { follow(); }));
@@ -122,11 +129,12 @@ bool LoupeView::showsVideo() const {
 }
 
 bool LoupeView::isLoading() const {
-    return isVisible() &&
-           (m_pictures.shown().isLoading || (m_filmstrip->isVisible() && m_filmstrip->isLoading()));
+    return isVisible() && (m_pictures.shown().isLoading || m_preview.isLoading() ||
+                           (m_filmstrip->isVisible() && m_filmstrip->isLoading()));
 }
 
 void LoupeView::reloadPictures() {
+    m_preview.show({});
     m_pictures.reload();
     m_filmstrip->reloadThumbnails();
     showPicture();
@@ -134,6 +142,16 @@ void LoupeView::reloadPictures() {
 
 void LoupeView::togglePlayback() {
     if (isVisible() && showsVideo()) m_video->togglePlayback();
+}
+
+void LoupeView::toggleBefore() {
+    if (!previewedPreset() || !m_plain) return;
+    m_showsBefore = !m_showsBefore;
+    showPicture();
+}
+
+PresetStore::Preset LoupeView::previewedPreset() const {
+    return isVisible() && m_presets.showsPreviews() && !showsVideo() ? m_presets.activePreset() : nullptr;
 }
 
 void LoupeView::follow() {
@@ -163,27 +181,51 @@ void LoupeView::showPicture() {
     const auto& shown = m_pictures.shown();
     m_video->open(showsVideo() ? shown.url : FileURL{});
     if (showsVideo()) {
-        m_image->clear();
         m_video->setPoster(shown.image ? shown.image->image() : QImage{});
         m_stage->setCurrentWidget(m_video);
-    } else if (shown.isUnreadable) {
-        m_image->clear();
-        m_stage->setCurrentWidget(m_cannotPreview);
     } else {
-        m_stage->setCurrentWidget(m_image);
-        if (!shown.image) {
-            m_image->clear();
-        } else if (shown.image != m_image->image()) {
-            const auto& pixels = shown.image->image();
-            const auto size =
-                shown.isFullResolution
-                    ? Size{{static_cast<double>(pixels.width()), static_cast<double>(pixels.height())},
-                           ZoomableImageView::SizeIs::known}
-                    : likelySize(pixels, m_image->geometry().pixelSize());
-            m_image->display(shown.image, size.pixels, size.certainty);
-        }
+        m_stage->setCurrentWidget(shown.isUnreadable ? m_cannotPreview : m_image);
     }
+    display();
     refreshInfo();
+    refreshOverlays();
+}
+
+LoupeView::DisplaySize LoupeView::likelySize(const QImage& thumbnail, const ZoomSize& last) {
+    const auto aspect = static_cast<double>(thumbnail.width()) / thumbnail.height();
+    if (last.isPositive() && std::abs(last.width / last.height / aspect - 1) < sameAspect) {
+        return {last, ZoomableImageView::SizeIs::likely};
+    }
+    const auto scale = assumedLongSide / std::max(thumbnail.width(), thumbnail.height());
+    return {{std::round(thumbnail.width() * scale), std::round(thumbnail.height() * scale)},
+            ZoomableImageView::SizeIs::unknown};
+}
+
+void LoupeView::display() {
+    const auto& shown = m_pictures.shown();
+    const auto plain = showsVideo() ? nullptr : shown.image;
+    if (!plain) {
+        m_image->clear();
+    } else if (plain != m_plain) {
+        const auto& pixels = plain->image();
+        m_size =
+            shown.isFullResolution
+                ? DisplaySize{{static_cast<double>(pixels.width()), static_cast<double>(pixels.height())},
+                              ZoomableImageView::SizeIs::known}
+                : likelySize(pixels, m_image->geometry().pixelSize());
+        m_image->display(plain, m_size.pixels, m_size.certainty);
+    }
+    m_plain = plain;
+
+    const auto preset = previewedPreset();
+    const std::pair compared{shown.url, preset ? preset->revision : PresetRevision{}};
+    if (std::exchange(m_compared, compared) != compared) m_showsBefore = false;
+    const auto magnification = m_image->geometry().target();
+    m_preview.show(
+        {shown.url, plain, preset,
+         plain ? plain->levelFor(magnification * m_size.pixels.width / plain->image().width()) : 0});
+    const auto& picture = m_preview.picture() && !m_showsBefore ? m_preview.picture() : plain;
+    if (picture != m_image->image()) m_image->display(picture, m_size.pixels, m_size.certainty);
 }
 
 void LoupeView::refreshInfo() {
@@ -196,7 +238,10 @@ void LoupeView::refreshInfo() {
         content.exposure = m_exposure;
         content.isChecked = m_library.isChecked(item->url);
         content.rating = m_library.rating(item->url);
-        content.isLoadingFullResolution = m_pictures.shown().isLoading && !showsVideo();
+        content.isLoadingFullResolution =
+            !showsVideo() && (m_pictures.shown().isLoading || m_preview.isRefining());
+        if (const auto& preset = m_presets.activePreset(); preset && !showsVideo())
+            content.preset = text(preset->titleWithAmount());
         if (m_stage->currentWidget() == m_image) content.zoom = m_image->zoom();
         name = nameText(item->url);
         if (m_pictures.shown().isUnreadable) name = ThumbnailCell::unreadableText(name);
@@ -209,8 +254,13 @@ void LoupeView::refreshInfo() {
 }
 
 void LoupeView::refreshOverlays() {
-    m_info->setVisible(m_library.showsLoupeOverlays());
-    m_filmstrip->setVisible(m_library.showsLoupeOverlays());
+    const auto shows = m_library.showsLoupeOverlays();
+    m_info->setVisible(shows);
+    m_filmstrip->setVisible(shows);
+    const auto preset = previewedPreset();
+    if (preset) m_caption->setText(captionText(*preset));
+    m_caption->setVisible(shows && preset && m_plain);
+    m_beforeBadge->setVisible(shows && m_showsBefore);
 }
 
 void LoupeView::showEvent(QShowEvent* event) {
@@ -225,6 +275,8 @@ void LoupeView::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     m_pictures.load(nullptr);
     loadExposure(nullptr);
+    m_preview.show({});
+    m_plain = nullptr;
     m_image->clear();
     m_video->open({});
 }

@@ -2,11 +2,15 @@
 
 #include "async/Executor.h"
 #include "library/LibraryViewModel.h"
+#include "presets/PresetStore.h"
 #include "services/MetadataService.h"
 #include "views/LoupePictures.h"
+#include "views/PresetPreview.h"
+#include "views/ZoomableImageView.h"
 
 #include <QWidget>
 
+#include <utility>
 #include <vector>
 
 class QLabel;
@@ -17,17 +21,19 @@ namespace kelvara {
 class FilmstripView;
 class LoupeInfoBar;
 class LoupeVideoPlayer;
-class ZoomableImageView;
+class PresetCaption;
 
-/// The focused photo, large: the picture to zoom or the video to play, an info bar and a filmstrip, which H
-/// hides. Works only while it is visible; the window handles the keys.
+/// The focused photo, large: the picture to zoom, through the active preset where the store wants that, or
+/// the video to play; and an info bar, a filmstrip and what is said about the preset, which H hides. Works
+/// only while it is visible; the window handles the keys.
 class LoupeView : public QWidget {
     Q_OBJECT
 
 public:
     /// `rendering` prepares large pictures for zooming; everything outlives it.
     LoupeView(LibraryViewModel& library, ThumbnailService& thumbnails, PreviewService& previews,
-              MetadataService& metadata, Executor& rendering, Executor& main, QWidget* parent = nullptr);
+              MetadataService& metadata, PresetStore& presets, PresetRenderer& presetRenderer,
+              Executor& rendering, Executor& main, QWidget* parent = nullptr);
     ~LoupeView() override;
 
     /// Whether the picture is still to come in full resolution, or a thumbnail of the filmstrip.
@@ -36,10 +42,15 @@ public:
     void reloadPictures();
     /// Plays or pauses the video; nothing for a picture.
     void togglePlayback();
+    /// Between the photo as the active preset draws it and the photo before, until another photo or preset
+    /// comes. Nothing while no preset is previewed.
+    void toggleBefore();
+    [[nodiscard]] bool showsBefore() const { return m_showsBefore; }
 
     [[nodiscard]] const ZoomableImageView& imageView() const { return *m_image; }
     [[nodiscard]] const LoupeInfoBar& infoBar() const { return *m_info; }
     [[nodiscard]] const LoupePictures& pictures() const { return m_pictures; }
+    [[nodiscard]] const PresetPreview& preview() const { return m_preview; }
 
 signals:
     /// The menu of the focused photo is wanted at this point of the screen.
@@ -53,18 +64,30 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
+    struct DisplaySize {
+        ZoomSize pixels;
+        ZoomableImageView::SizeIs certainty = ZoomableImageView::SizeIs::unknown;
+    };
+    /// The size of the full picture that a thumbnail stands for. Photos of one camera mostly have one size,
+    /// so the last one is a good guess where the shape is the same; then zoom and position carry over.
+    [[nodiscard]] static DisplaySize likelySize(const QImage& thumbnail, const ZoomSize& last);
+
     void makeLayout(ThumbnailService& thumbnails);
     [[nodiscard]] QWidget* makeCannotPreview();
-    void observeLibrary();
+    void observe();
     void follow();
     void loadExposure(const PhotoItem* item);
     void showPicture();
+    void display();
     void refreshInfo();
     void refreshOverlays();
     void showCannotPreviewSymbol();
     [[nodiscard]] bool showsVideo() const;
+    /// The preset that the picture is shown through; null for none.
+    [[nodiscard]] PresetStore::Preset previewedPreset() const;
 
     LibraryViewModel& m_library;
+    PresetStore& m_presets;
     ZoomableImageView* m_image = nullptr;
     LoupeVideoPlayer* m_video = nullptr;
     QWidget* m_cannotPreview = nullptr;
@@ -72,7 +95,14 @@ private:
     QStackedLayout* m_stage = nullptr;
     LoupeInfoBar* m_info = nullptr;
     FilmstripView* m_filmstrip = nullptr;
+    PresetCaption* m_caption = nullptr;
+    PresetCaption* m_beforeBadge = nullptr;
     LoupePictures m_pictures;
+    PresetPreview m_preview;
+    PresetPreview::Picture m_plain; ///< The photo itself,
+    DisplaySize m_size;             ///< and the size it is shown at.
+    bool m_showsBefore = false;
+    std::pair<FileURL, PresetRevision> m_compared; ///< The photo and preset that `m_showsBefore` is about.
     MetadataService& m_metadata;
     FileURL m_exposureURL; ///< The photo that `m_exposure` belongs to.
     QString m_exposure;

@@ -28,8 +28,8 @@ public:
     /// `onChange` follows each change of a shown picture, never during `show`.
     PresetPictures(ThumbnailService& thumbnails, PresetTileService& tiles, std::function<void()> onChange);
 
-    /// Makes these the tiles on screen, of the photo at `url`, fitted into `pixels`. Without a photo they have
-    /// no pictures. Null among the presets is the photo as shot.
+    /// Makes these the tiles on screen, of the photo at `url`, fitted into `pixels`. Without a photo they
+    /// have no pictures. Null among the presets is the photo as shot.
     void show(const FileURL& url, const std::vector<Preset>& presets, const QSize& pixels);
     /// Asks again for everything: the pictures in memory are no longer right.
     void reload();

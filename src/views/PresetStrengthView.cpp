@@ -35,9 +35,9 @@ PresetStrengthView::PresetStrengthView(PresetStore& presets, QWidget* parent)
     m_slider->setToolTip(tr("How strongly the preset is applied; double-click for 100%"));
     m_value = makeLabel(TextRole::caption, Tone::quiet, this);
     m_value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    m_value->setFixedWidth(QFontMetrics{kelvara::font(TextRole::caption)}.horizontalAdvance(
-                               QStringLiteral("100%")) +
-                           spacing::hair);
+    m_value->setFixedWidth(
+        QFontMetrics{kelvara::font(TextRole::caption)}.horizontalAdvance(QStringLiteral("100%")) +
+        spacing::hair);
     m_omissions = makeNote();
     connect(m_slider, &QSlider::valueChanged, this,
             [this](int percent) { m_presets.setAmount(percent / double{fullStrength}); });

@@ -11,9 +11,9 @@ namespace kelvara {
 /// What an entry of the preset list shows.
 struct PresetTileState {
     QString title;
-    QImage picture;        ///< Of any size; null while there is none.
-    QStringView absence;   ///< The symbol that stands for a picture that doesn't come; empty for none.
-    bool isFaint = false;  ///< The picture is about to be replaced.
+    QImage picture;       ///< Of any size; null while there is none.
+    QStringView absence;  ///< The symbol that stands for a picture that doesn't come; empty for none.
+    bool isFaint = false; ///< The picture is about to be replaced.
     bool isSelected = false;
     bool isHovered = false;
     bool isFavourite = false;

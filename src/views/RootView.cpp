@@ -255,6 +255,8 @@ void RootView::perform(const WindowCommand& command) {
         return stepPreset(true);
     case Kind::toggleOverlays:
         return m_library.setShowsLoupeOverlays(!m_library.showsLoupeOverlays());
+    case Kind::togglePresetBefore:
+        return m_content->togglePresetBefore();
     case Kind::openFolder:
         return m_library.chooseFolder();
     case Kind::ejectSource:

@@ -135,6 +135,7 @@ Command plain(int key, ViewMode mode) {
     if (key >= Qt::Key_0 && key <= Qt::Key_5) return WindowCommand{Kind::rate, key - Qt::Key_0};
     if (mode == ViewMode::loupe && key == Qt::Key_Z) return WindowCommand{Kind::toggleZoom};
     if (mode == ViewMode::loupe && key == Qt::Key_H) return WindowCommand{Kind::toggleOverlays};
+    if (mode == ViewMode::loupe && key == Qt::Key_Backslash) return WindowCommand{Kind::togglePresetBefore};
     return std::nullopt;
 }
 
@@ -157,8 +158,8 @@ KeyFocus keyFocus(const QWidget* focusWidget) {
 int latinKey(int key, unsigned scanCode) {
     constexpr int lastLatin = 0x24f;
     if (key <= lastLatin || key >= Qt::Key_Escape) return key;
-    constexpr std::string_view rows[]{"QWERTYUIOP[]", "ASDFGHJKL", "ZXCVBNM"};
-    constexpr unsigned firstCodes[]{24, 38, 52};
+    constexpr std::string_view rows[]{"QWERTYUIOP[]", "ASDFGHJKL", "\\ZXCVBNM"};
+    constexpr unsigned firstCodes[]{24, 38, 51};
     for (std::size_t i = 0; i < std::size(rows); ++i) {
         const auto place = scanCode - firstCodes[i]; // wraps around below the first
         if (place < rows[i].size()) return rows[i][place];
@@ -167,7 +168,8 @@ int latinKey(int key, unsigned scanCode) {
 }
 
 Command windowCommand(int key, Qt::KeyboardModifiers modifiers, KeyFocus focus, ViewMode mode) {
-    modifiers &= ~Qt::KeypadModifier;
+    // AltGr only helps to type the character, as the backslash in Germany.
+    modifiers &= ~(Qt::KeypadModifier | Qt::GroupSwitchModifier);
     const QKeyCombination keys{modifiers, static_cast<Qt::Key>(key)};
     if (const auto command = byMenuKey(keys, focus, mode)) return command;
     const auto needsShift = modifiers == Qt::ShiftModifier && key >= Qt::Key_0 && key <= Qt::Key_9;

@@ -34,6 +34,7 @@ struct WindowCommand {
         previousPreset,
         nextPreset,
         toggleOverlays,
+        togglePresetBefore, ///< Between the photo as the preset draws it and the photo before.
         openFolder,
         ejectSource,
         share,
@@ -71,9 +72,9 @@ struct WindowCommand {
 enum class KeyFocus { photos, textField, button, list, slider };
 [[nodiscard]] KeyFocus keyFocus(const QWidget* focusWidget);
 
-/// The Latin letter or bracket at the place of a key that types one of another script, so that letters are
-/// commands on every keyboard; any other key as it is. `scanCode` is what X11 and Wayland send: the kernel's
-/// code plus 8.
+/// The Latin letter, bracket or backslash at the place of a key that types one of another script, so that
+/// letters are commands on every keyboard; any other key as it is. `scanCode` is what X11 and Wayland send:
+/// the kernel's code plus 8.
 [[nodiscard]] int latinKey(int key, unsigned scanCode);
 
 /// The command of a key, if the window takes it. `key` is a Qt::Key.

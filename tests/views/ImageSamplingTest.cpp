@@ -18,10 +18,17 @@ QImage numbered(int width, int height) {
     return image;
 }
 
+BitmapPtr bitmapOf(const QImage& image) {
+    auto bitmap = Bitmap::create({image.width(), image.height()}, ColorProfile::sRGB());
+    for (int y = 0; y < image.height(); ++y)
+        std::copy_n(image.constScanLine(y), image.width() * 4, bitmap->row(y).begin());
+    return bitmap;
+}
+
 QImage drawn(const QImage& image, QSize size, const ImageView& view) {
     QImage frame{size, QImage::Format_RGB32};
     frame.fill(Qt::magenta);
-    drawImage(frame, *ImagePyramid::build(image), view, background);
+    drawImage(frame, *ImagePyramid::build(bitmapOf(image)), view, background);
     return frame;
 }
 
@@ -88,9 +95,10 @@ TEST(ImageSamplingTest, aThumbnailStandsWhereTheFullImageWill) {
 }
 
 TEST(ImagePyramidTest, levelsHalveRoundedUpAndAreWhatFitNeeds) {
-    const auto image = numbered(1001, 333);
-    const auto pyramid = ImagePyramid::build(image);
-    EXPECT_EQ(pyramid->image().constBits(), image.constBits()); // not copied
+    const auto bitmap = bitmapOf(numbered(1001, 333));
+    const auto pyramid = ImagePyramid::build(bitmap);
+    EXPECT_EQ(pyramid->image().constBits(), bitmap->data()); // not copied
+    EXPECT_EQ(pyramid->level(1).constBits(), pyramid->bitmap(1)->data());
     EXPECT_EQ(pyramid->level(1).size(), QSize(501, 167));
     EXPECT_EQ(pyramid->level(2).size(), QSize(251, 84));
     EXPECT_EQ(pyramid->levelFor(3), 0);
@@ -100,7 +108,7 @@ TEST(ImagePyramidTest, levelsHalveRoundedUpAndAreWhatFitNeeds) {
     EXPECT_EQ(pyramid->levelFor(1e-9), pyramid->levels() - 1);
     std::stop_source stop;
     stop.request_stop();
-    EXPECT_EQ(ImagePyramid::build(image, stop.get_token()), nullptr);
+    EXPECT_EQ(ImagePyramid::build(bitmap, stop.get_token()), nullptr);
 }
 
 TEST(BitmapImageTest, theImageUsesTheBitmapsMemoryAndKeepsItAlive) {

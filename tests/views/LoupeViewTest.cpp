@@ -1,46 +1,12 @@
 #include "views/LoupeView.h"
 #include "imaging/DecodingTest.h"
-#include "views/LoupeInfoBar.h"
-#include "views/PictureFixture.h"
-#include "views/ZoomableImageView.h"
+#include "views/LoupeFixture.h"
 
 #include <QLabel>
-#include <QTest>
-
-#include <cmath>
 
 namespace kelvara {
 
-namespace {
-
-class LoupeViewTest : public PictureFixture {
-protected:
-    LoupeView& show() {
-        open();
-        m_library->toggleViewMode();
-        m_loupe = std::make_unique<LoupeView>(*m_library, m_thumbnails, m_previews, m_metadata, m_rendering,
-                                              m_main);
-        m_loupe->resize(400, 400);
-        m_loupe->show();
-        QCoreApplication::processEvents();
-        return *m_loupe;
-    }
-    void focus(std::size_t index) { m_library->setFocusedID(photo(index)); }
-    [[nodiscard]] const ZoomableImageView& view() const { return m_loupe->imageView(); }
-    /// The hue of the picture on screen; nothing while none is shown.
-    [[nodiscard]] std::optional<int> hue() const {
-        if (!view().image()) return std::nullopt;
-        return view().image()->image().pixelColor(10, 10).hue();
-    }
-    [[nodiscard]] bool showsHue(int expected) const {
-        const auto shown = hue();
-        return shown && std::abs(*shown - expected) < 8;
-    }
-
-    std::unique_ptr<LoupeView> m_loupe;
-};
-
-} // namespace
+class LoupeViewTest : public LoupeFixture {};
 
 TEST_F(LoupeViewTest, assistiveToolsReadWhichPhotoIsShownAndHowItWasJudged) {
     addPhotos(2);
@@ -216,7 +182,8 @@ TEST_F(LoupeViewTest, nothingInTheInfoBarIsCutHoweverNarrowItIs) {
               .isChecked = true,
               .rating = *Rating::fromRawValue(5),
               .zoom = ZoomState{100, true},
-              .isLoadingFullResolution = true});
+              .isLoadingFullResolution = true,
+              .preset = QStringLiteral("Some preset's rather long title 65%")});
     bar.setVisible(true);
     for (int width = 240; width < 1400; width += 20) {
         bar.resize(width, bar.height());

@@ -39,6 +39,7 @@ TEST(WindowKeysTest, lettersAreCommandsOnKeyboardsOfOtherScripts) {
     EXPECT_EQ(latinKey(cyrillicYeru, 39), Qt::Key_S);
     EXPECT_EQ(latinKey(greekZeta, 52), Qt::Key_Z);
     EXPECT_EQ(latinKey(arabicHah, 33), Qt::Key_P);
+    EXPECT_EQ(latinKey(0xe03, 51), Qt::Key_Backslash); // as in Thailand
     EXPECT_EQ(latinKey(arabicHah, 34), Qt::Key_BracketLeft);
     EXPECT_EQ(latinKey(arabicHah, 47), arabicHah); // where Latin keyboards have no letter
     EXPECT_EQ(latinKey(Qt::Key_Z, 29), Qt::Key_Z); // as in Germany
@@ -65,7 +66,7 @@ TEST(WindowKeysTest, aFocusedButtonIsPressedBySpaceAndReturnButLettersStillReach
     EXPECT_EQ(command(Qt::Key_Escape, Qt::NoModifier, KeyFocus::slider), WindowCommand{Kind::goBack});
 }
 
-TEST(WindowKeysTest, zoomKeysWorkInTheSingleImageOnlyOnEveryKindOfKeyboard) {
+TEST(WindowKeysTest, keysOfTheSingleImageWorkThereOnlyOnEveryKindOfKeyboard) {
     const auto inLoupe = [](int key, Qt::KeyboardModifiers modifiers) {
         return command(key, modifiers, KeyFocus::photos, ViewMode::loupe);
     };
@@ -76,6 +77,9 @@ TEST(WindowKeysTest, zoomKeysWorkInTheSingleImageOnlyOnEveryKindOfKeyboard) {
     EXPECT_EQ(inLoupe(Qt::Key_Minus, Qt::ControlModifier | Qt::KeypadModifier), WindowCommand{Kind::zoomOut});
     EXPECT_EQ(inLoupe(Qt::Key_0, Qt::ControlModifier), WindowCommand{Kind::zoomToFit});
     EXPECT_EQ(inLoupe(Qt::Key_0, Qt::ControlModifier | Qt::ShiftModifier), WindowCommand{Kind::zoomToFit});
+    for (const auto modifiers : {Qt::NoModifier, Qt::GroupSwitchModifier}) // AltGr, as in Germany
+        EXPECT_EQ(inLoupe(Qt::Key_Backslash, modifiers), WindowCommand{Kind::togglePresetBefore});
+    EXPECT_FALSE(command(Qt::Key_Backslash));
     EXPECT_FALSE(command(Qt::Key_Z));
     EXPECT_FALSE(command(Qt::Key_0, Qt::ControlModifier));
 }

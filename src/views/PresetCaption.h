@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QLabel>
+
+namespace kelvara {
+
+/// A few words on a picture, on a dark ground of their own. They break into lines where it is narrow and let
+/// the pointer through to the picture.
+class PresetCaption : public QLabel {
+    Q_OBJECT
+
+public:
+    explicit PresetCaption(QWidget* parent = nullptr);
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return {0, 0}; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace kelvara
