@@ -54,6 +54,9 @@ public:
     /// Bytes in the copy now.
     [[nodiscard]] virtual Result<std::int64_t, FileError> size() const = 0;
 
+    /// Those of them that `sync` still has to write.
+    [[nodiscard]] virtual std::int64_t unwrittenBytes() const = 0;
+
     /// Waits until the bytes and attributes are on the medium.
     virtual Result<void, FileError> sync() = 0;
 

@@ -12,7 +12,7 @@ namespace {
 
 // Beyond these, waiting together saves nothing more; below, the user sees the progress move.
 constexpr std::size_t maximumFiles = 128;
-constexpr std::int64_t maximumBytes = 8'000'000;
+constexpr std::int64_t maximumUnwrittenBytes = 8'000'000;
 constexpr std::chrono::milliseconds maximumAge{200};
 
 Failure<std::string> sidecarFailure(const FileError& error) {
@@ -30,12 +30,12 @@ void CopyService::Batch::add(const Plan& plan, std::optional<Rating> rating) {
         if (const auto written = write(entry); !written) {
             entry.outcome = Failed{failureReason(written.error(), plan)};
         }
-        m_bytes = saturatingSum(m_bytes, plan.size);
+        if (entry.photo) m_unwrittenBytes += entry.photo->unwrittenBytes();
     }
 }
 
 bool CopyService::Batch::isFull() const {
-    return m_entries.size() >= maximumFiles || m_bytes >= maximumBytes ||
+    return m_entries.size() >= maximumFiles || m_unwrittenBytes >= maximumUnwrittenBytes ||
            (!m_entries.empty() && std::chrono::steady_clock::now() - m_start >= maximumAge);
 }
 
@@ -63,7 +63,7 @@ std::vector<CopyService::Finished> CopyService::Batch::finish() {
     finished.reserve(m_entries.size());
     for (auto& entry : m_entries) finished.push_back({entry.plan, std::move(entry.outcome)});
     m_entries.clear();
-    m_bytes = 0;
+    m_unwrittenBytes = 0;
     return finished;
 }
 

@@ -41,7 +41,7 @@ private:
 
     const CopyService& m_service;
     std::vector<Entry> m_entries;
-    std::int64_t m_bytes = 0;
+    std::int64_t m_unwrittenBytes = 0;
     std::chrono::steady_clock::time_point m_start; // when the first file was added
 };
 

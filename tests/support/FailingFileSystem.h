@@ -55,6 +55,7 @@ private:
             if (size && m_files.onSize) return m_files.onSize(*size);
             return size;
         }
+        [[nodiscard]] std::int64_t unwrittenBytes() const override { return m_real->unwrittenBytes(); }
         Result<void, FileError> sync() override {
             if (auto failure = m_files.onSync ? m_files.onSync(m_temporary) : std::nullopt)
                 return Failure{error(m_temporary, *failure)};

@@ -5,6 +5,7 @@
 #include "platform/linux/SequentialReader.h"
 
 #include <fcntl.h>
+#include <iterator>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 
@@ -28,6 +29,8 @@ public:
         : m_file{file}, m_isDirect{size >= directFileSize && setDirect(file, true)} {}
 
     [[nodiscard]] bool isDirect() const { return m_isDirect; }
+    /// Bytes that were written into the page cache.
+    [[nodiscard]] std::int64_t cachedBytes() const { return m_cachedBytes; }
 
     /// Leaves its reason in errno when it gives false.
     [[nodiscard]] bool write(std::string_view bytes) {
@@ -41,6 +44,7 @@ public:
             const bool isAligned = count > 0 && static_cast<std::size_t>(count) % directAlignment == 0;
             if (!isAligned && !leaveDirect()) return false;
         }
+        m_cachedBytes += std::ssize(bytes);
         return writeAll(m_file, bytes);
     }
 
@@ -52,6 +56,7 @@ private:
 
     const FileDescriptor& m_file;
     bool m_isDirect;
+    std::int64_t m_cachedBytes = 0;
 };
 
 /// Reads the rest of the source and writes it; `hasher` may be null.
@@ -68,36 +73,36 @@ Result<void, FileError> readAndWrite(const ByteCopy& copy, SequentialReader read
     }
 }
 
-} // namespace
-
-Result<void, FileError> copyBytes(const ByteCopy& copy) {
-    if (copy.stop.stop_requested()) return cancelled(copy);
-    if (::ioctl(copy.target.get(), FICLONE, copy.source.get()) == 0) return {};
-    SequentialReader reader{copy.source, copy.size, SequentialReader::Way::cached};
-    Writer writer{copy.target, copy.size};
-    // What the kernel leaves, for whatever reason, is read and written, and that reason is the one that
-    // counts. Some file systems give 0 before the end.
+/// Copies within the kernel as far as that goes and gives how far. Whatever the reason for an end, the rest
+/// is to be read and written, and that reason is the one that counts. Some file systems give 0 before the
+/// end.
+loff_t copyInKernel(const ByteCopy& copy) {
     loff_t position = 0;
-    while (!writer.isDirect()) {
+    while (!copy.stop.stop_requested()) {
         const auto count = uninterrupted([&] {
             return ::copy_file_range(copy.source.get(), &position, copy.target.get(), nullptr,
                                      kernelTransferSize, 0);
         });
-        if (copy.stop.stop_requested()) return cancelled(copy);
         if (count <= 0) break;
     }
-    reader.skipTo(position);
-    return readAndWrite(copy, reader, writer, nullptr);
+    return position;
 }
 
-Result<ContentHash, FileError> copyAndHashBytes(const ByteCopy& copy) {
-    ContentHasher hasher;
-    const SequentialReader reader{copy.source, copy.size, SequentialReader::Way::cached};
+} // namespace
+
+Result<CopiedBytes, FileError> copyBytes(const ByteCopy& copy, CopyReading reading) {
+    const bool isHashed = reading == CopyReading::hashed;
+    if (copy.stop.stop_requested()) return cancelled(copy);
+    if (!isHashed && ::ioctl(copy.target.get(), FICLONE, copy.source.get()) == 0) return CopiedBytes{};
+
+    SequentialReader reader{copy.source, copy.size, SequentialReader::Way::cached};
     Writer writer{copy.target, copy.size};
-    if (const auto copied = readAndWrite(copy, reader, writer, &hasher); !copied) {
-        return Failure{copied.error()};
-    }
-    return hasher.hash();
+    const auto copiedInKernel = isHashed || writer.isDirect() ? 0 : copyInKernel(copy);
+    reader.skipTo(copiedInKernel);
+    ContentHasher hasher;
+    const auto copied = readAndWrite(copy, reader, writer, isHashed ? &hasher : nullptr);
+    if (!copied) return Failure{copied.error()};
+    return CopiedBytes{copiedInKernel + writer.cachedBytes(), hasher.hash()};
 }
 
 } // namespace kelvara

@@ -20,11 +20,13 @@ struct ByteCopy {
     const std::stop_token& stop;
 };
 
-/// Copies in the cheapest way that both file systems know: sharing the blocks, for large files past the page
-/// cache, within the kernel, through a buffer.
-Result<void, FileError> copyBytes(const ByteCopy& copy);
+struct CopiedBytes {
+    std::int64_t unwritten = 0; ///< Those that wait in the page cache.
+    ContentHash hash;           ///< Of what was read of the source, if it had to be.
+};
 
-/// Copies what is read of the source, once, and gives its hash.
-Result<ContentHash, FileError> copyAndHashBytes(const ByteCopy& copy);
+/// Copies in the cheapest way that both file systems know: sharing the blocks, for large files past the page
+/// cache, within the kernel, through a buffer. Where all is to be hashed, it is read, once.
+Result<CopiedBytes, FileError> copyBytes(const ByteCopy& copy, CopyReading reading);
 
 } // namespace kelvara

@@ -37,13 +37,14 @@ void keepAttributes(const Source& source, const FileDescriptor& target) {
 
 class LinuxFileCopy : public PendingCopy {
 public:
-    LinuxFileCopy(LockedFile file, ContentHash hash) : m_file{std::move(file)}, m_hash{hash} {}
+    LinuxFileCopy(LockedFile file, const CopiedBytes& copied) : m_file{std::move(file)}, m_copied{copied} {}
 
     [[nodiscard]] Result<std::int64_t, FileError> size() const override {
         struct stat values {};
         if (::fstat(m_file.file().get(), &values) != 0) return failure();
         return std::int64_t{values.st_size};
     }
+    [[nodiscard]] std::int64_t unwrittenBytes() const override { return m_copied.unwritten; }
     Result<void, FileError> sync() override {
         if (!syncFile(m_file.file())) return failure();
         return {};
@@ -55,7 +56,7 @@ public:
         for (;;) {
             const auto bytes = reader.next(buffer);
             if (!bytes) return failure();
-            if (bytes->empty()) return hasher.hash() == m_hash;
+            if (bytes->empty()) return hasher.hash() == m_copied.hash;
             hasher.add(*bytes);
         }
     }
@@ -68,7 +69,7 @@ private:
     [[nodiscard]] Failure<FileError> failure() const { return Failure{fileError(m_file.url())}; }
 
     LockedFile m_file;
-    ContentHash m_hash; // of what was read of the original, where it was hashed
+    CopiedBytes m_copied;
 };
 
 } // namespace
@@ -83,18 +84,12 @@ Result<std::unique_ptr<PendingCopy>, FileError> LinuxFileSystem::copyFile(const 
     if (!target) return Failure{target.error()};
 
     const ByteCopy copy{from, temporary, source->file, target->file(), source->values.st_size, stop};
-    ContentHash hash;
-    if (reading == CopyReading::hashed) {
-        const auto copied = copyAndHashBytes(copy);
-        if (!copied) return Failure{copied.error()};
-        hash = *copied;
-    } else if (const auto copied = copyBytes(copy); !copied) {
-        return Failure{copied.error()};
-    }
+    const auto copied = copyBytes(copy, reading);
+    if (!copied) return Failure{copied.error()};
     keepAttributes(*source, target->file());
     // The medium begins to write now, so that syncing a few copies later waits for little.
     (void)::sync_file_range(target->file().get(), 0, 0, SYNC_FILE_RANGE_WRITE);
-    return std::unique_ptr<PendingCopy>{new LinuxFileCopy{std::move(*target), hash}};
+    return std::unique_ptr<PendingCopy>{new LinuxFileCopy{std::move(*target), *copied}};
 }
 
 Result<bool, FileError> LinuxFileSystem::haveSameContents(const FileURL& file, const FileURL& onMedium,
