@@ -6,6 +6,7 @@
 #include "bench/Sidecars.h"
 #include "library/LibraryViewModel.h"
 #include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/LinuxTrash.h"
 #include "services/CopyService.h"
 #include "services/VolumeService.h"
 #include "services/XMPService.h"
@@ -79,6 +80,7 @@ private:
 struct Window {
     explicit Window(FileSystem& fileSystem)
         : files{fileSystem}, sidecars{files}, copier{files, {}}, library{{.files = files,
+                                                                          .trash = trash,
                                                                           .background = background,
                                                                           .sidecarWrites = sidecarWrites,
                                                                           .main = main,
@@ -105,6 +107,7 @@ struct Window {
     CopyService copier;
     FakeFolderChooser chooser;
     FakeDesktop desktop;
+    LinuxTrash trash;
     FakeAnalytics analytics;
     ThreadPool sidecarWrites{1, ThreadPool::AtEnd::finish};
     ThreadPool background{2};

@@ -44,7 +44,8 @@ int main(int argumentCount, char** argumentValues) {
     clock.start();
     KelvaraApp app{
         {.folder = FileURL::standardized(argumentValues[1], std::filesystem::current_path().string()),
-         .preferencesPath = settings.filePath(QStringLiteral("kelvara.conf"))}};
+         .preferencesPath = settings.filePath(QStringLiteral("kelvara.conf")),
+         .presetFolder = FileURL::standardized(settings.filePath(QStringLiteral("Presets")).toStdString())}};
     app.window().resize(1440, 900);
     app.window().show();
     application.processEvents();

@@ -111,9 +111,11 @@ int main(int argumentCount, char** argumentValues) {
     if (argumentCount < 2) return std::puts("presets_bench: give a folder of photos to measure"), 0;
     applyTheme(application, Theme::Appearance::dark);
     const QTemporaryDir settings;
-    KelvaraApp app{{.folder = FileURL::standardized(argumentValues[1]),
-                    .preferencesPath = settings.filePath(QStringLiteral("kelvara.conf")),
-                    .countsUsage = false}};
+    KelvaraApp app{
+        {.folder = FileURL::standardized(argumentValues[1]),
+         .preferencesPath = settings.filePath(QStringLiteral("kelvara.conf")),
+         .presetFolder = FileURL::standardized(settings.filePath(QStringLiteral("Presets")).toStdString()),
+         .countsUsage = false}};
     app.window().keepSize({1440, 900});
     app.window().show();
     waitUntil([&] { return !app.library().isScanning(); });

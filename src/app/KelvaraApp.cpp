@@ -9,7 +9,6 @@
 #include <QDBusConnection>
 #include <QFile>
 #include <QLocale>
-#include <QStandardPaths>
 #include <QSysInfo>
 #include <QUrl>
 
@@ -26,11 +25,6 @@ CopyService::SidecarWriter sidecarWriter(XMPService& sidecars) {
         if (!written) return Failure{message(written.error())};
         return {};
     };
-}
-
-FileURL presetFolder() {
-    const auto data = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    return FileURL::standardized(data.toStdString()).child("Presets");
 }
 
 } // namespace

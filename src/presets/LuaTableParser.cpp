@@ -158,7 +158,11 @@ private:
         std::string bytes;
         while (!isAtEnd()) {
             const char c = m_text[m_at++];
-            if (c == quote) return LuaValue{repairedUTF8(bytes)};
+            if (c == quote) {
+                LuaValue value; // named, because g++ 12 warns wrongly of a temporary one
+                value.value = repairedUTF8(bytes);
+                return value;
+            }
             bytes += c == '\\' && !isAtEnd() ? escape() : c;
         }
         return fail(m_at);
