@@ -60,6 +60,11 @@ public:
     /// Waits until the bytes and attributes are on the medium.
     virtual Result<void, FileError> sync() = 0;
 
+    /// The same for everything that was written on this copy's volume since the copy began, which costs
+    /// hardly more than one `sync`. False where the volume can't promise that, or something could not be
+    /// written: then each copy has to be synced.
+    [[nodiscard]] virtual bool syncVolume() = 0;
+
     /// Reads the copy back from the medium, after `sync`, and tells whether it is what was read of the
     /// original. For copies made with `CopyReading::hashed` only.
     [[nodiscard]] virtual Result<bool, FileError> isIntact() const = 0;

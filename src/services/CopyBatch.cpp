@@ -3,6 +3,7 @@
 #include "services/CopyNames.h"
 #include "text/Localized.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <unordered_map>
 
@@ -14,6 +15,8 @@ namespace {
 constexpr std::size_t maximumFiles = 128;
 constexpr std::int64_t maximumUnwrittenBytes = 8'000'000;
 constexpr std::chrono::milliseconds maximumAge{200};
+// Fewer are synced one by one, so that nobody waits for what others write on the volume.
+constexpr std::ptrdiff_t fewestForVolume = 8;
 
 Failure<std::string> sidecarFailure(const FileError& error) {
     return Failure{fmt::format(fmt::runtime(localized("The rating sidecar couldn't be copied: {}.")),
@@ -40,6 +43,7 @@ bool CopyService::Batch::isFull() const {
 }
 
 std::vector<CopyService::Finished> CopyService::Batch::finish() {
+    syncVolumes();
     for (auto& entry : m_entries) {
         if (!entry.photo) continue;
         if (const auto settled = settle(entry); !settled) {
@@ -80,8 +84,22 @@ Result<void, CopyService::CopyError> CopyService::Batch::write(Entry& entry) con
     return {};
 }
 
+void CopyService::Batch::syncVolumes() {
+    const auto isWritten = [](const Entry& entry) { return entry.photo != nullptr; };
+    if (std::ranges::count_if(m_entries, isWritten) < fewestForVolume) return;
+    std::unordered_map<FileURL, bool> folders; // a folder is on one volume, its subfolders may be on others
+    for (auto& entry : m_entries) {
+        if (!entry.photo) continue;
+        const auto [folder, isFirst] = folders.try_emplace(entry.plan.destination.parent(), false);
+        if (isFirst) folder->second = entry.photo->syncVolume();
+        entry.isSynced = folder->second;
+    }
+}
+
 Result<void, CopyService::CopyError> CopyService::Batch::settle(Entry& entry) const {
-    if (const auto synced = entry.photo->sync(); !synced) return Failure{CopyError{synced.error()}};
+    if (!entry.isSynced) {
+        if (const auto synced = entry.photo->sync(); !synced) return Failure{CopyError{synced.error()}};
+    }
     if (std::get<Plan::Copy>(entry.plan.action).isVerified) {
         const auto intact = entry.photo->isIntact();
         if (!intact) return Failure{CopyError{intact.error()}};

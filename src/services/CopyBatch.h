@@ -29,10 +29,12 @@ private:
         Outcome outcome;
         std::unique_ptr<PendingCopy> photo{};   // none where it is skipped or failed
         std::unique_ptr<PendingCopy> sidecar{}; // none where there is nothing to carry along
+        bool isSynced = false;                  // as a part of its volume
         bool hasNewName = false;
     };
 
     Result<void, CopyError> write(Entry& entry) const;
+    void syncVolumes();
     Result<void, CopyError> settle(Entry& entry) const;
     /// These two fail with the reason as a sentence.
     Result<void, std::string> writeSidecar(Entry& entry) const;

@@ -134,12 +134,11 @@ TEST_F(LinuxFileCopyTest, theTemporaryFileBelongsToOneLivingCopy) {
 
     ASSERT_EQ(::symlink("victim", folder.at("link.partial").path().c_str()), 0);
     folder.makeFolder("folder.partial");
-    for (const auto* name : {"link", "folder"}) {
-        const auto refused = begin(from, folder.at(name));
-        ASSERT_FALSE(refused);
-        EXPECT_EQ(refused.error(), (FileError{folder.at(name).appendingExtension("partial"),
-                                              std::make_error_code(std::errc::file_exists)}));
-    }
+    const auto refused = begin(from, folder.at("folder"));
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error(), (FileError{folder.at("folder").appendingExtension("partial"),
+                                          std::make_error_code(std::errc::file_exists)}));
+    EXPECT_TRUE(begin(from, folder.at("link"))); // in the place of the link
     EXPECT_FALSE(TemporaryFolder::exists(folder.at("victim")));
 }
 

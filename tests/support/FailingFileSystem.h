@@ -61,6 +61,7 @@ private:
                 return Failure{error(m_temporary, *failure)};
             return m_real->sync();
         }
+        [[nodiscard]] bool syncVolume() override { return !m_files.onSync && m_real->syncVolume(); }
         [[nodiscard]] Result<bool, FileError> isIntact() const override { return m_real->isIntact(); }
         Result<void, FileError> place(const FileURL& destination) override {
             if (m_files.onPlace) m_files.onPlace(m_temporary, destination);

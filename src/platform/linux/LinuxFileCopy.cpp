@@ -5,7 +5,10 @@
 #include "platform/linux/SequentialReader.h"
 
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
+#include <unistd.h>
 
 namespace kelvara {
 
@@ -35,6 +38,15 @@ void keepAttributes(const Source& source, const FileDescriptor& target) {
     (void)::futimens(target.get(), times);
 }
 
+/// Whether syncing the file's volume ends with flushing the device's own cache. FAT's does not, and file
+/// systems in user space aren't asked to.
+bool flushesAsAWhole(const FileDescriptor& file) {
+    struct statfs values {};
+    if (::fstatfs(file.get(), &values) != 0) return false;
+    return values.f_type == EXT4_SUPER_MAGIC || values.f_type == XFS_SUPER_MAGIC ||
+           values.f_type == BTRFS_SUPER_MAGIC;
+}
+
 class LinuxFileCopy : public PendingCopy {
 public:
     LinuxFileCopy(LockedFile file, const CopiedBytes& copied) : m_file{std::move(file)}, m_copied{copied} {}
@@ -48,6 +60,11 @@ public:
     Result<void, FileError> sync() override {
         if (!syncFile(m_file.file())) return failure();
         return {};
+    }
+    [[nodiscard]] bool syncVolume() override {
+        // The copy's own descriptor is told of every error since it was opened, also of those that another
+        // thread has seen already.
+        return flushesAsAWhole(m_file.file()) && ::syncfs(m_file.file().get()) == 0;
     }
     [[nodiscard]] Result<bool, FileError> isIntact() const override {
         SequentialReader reader{m_file.file(), 0, SequentialReader::Way::onMedium};

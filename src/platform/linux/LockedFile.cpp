@@ -31,7 +31,9 @@ int eraseAbandoned(const FileURL& url) {
     const FileDescriptor file{::open(url.path().c_str(), flags)};
     if (!file.isOpen()) {
         if (errno == ENOENT) return 0;
-        return errno == ELOOP ? EEXIST : errno;
+        if (errno != ELOOP) return errno;
+        // A link is nobody's copy, and only the link goes.
+        return ::unlink(url.path().c_str()) == 0 || errno == ENOENT ? 0 : errno;
     }
     struct stat values {};
     if (::fstat(file.get(), &values) != 0) return errno;
