@@ -132,6 +132,14 @@ TEST_F(LinuxFileCopyTest, theTemporaryFileBelongsToOneLivingCopy) {
     EXPECT_EQ(TemporaryFolder::read(to), "theirs");
     EXPECT_EQ(folder.files(), (std::vector<std::string>{"from", "to"}));
 
+    { // taken for abandoned where there are no locks
+        const auto first = begin(from, folder.at("torn"));
+        std::filesystem::remove(folder.at("torn.partial").path());
+        folder.write("torn.partial", "ne");
+        EXPECT_EQ((*first)->place(folder.at("torn")).error().code, std::errc::device_or_resource_busy);
+    }
+    EXPECT_EQ(folder.files(), (std::vector<std::string>{"from", "to", "torn.partial"}));
+
     ASSERT_EQ(::symlink("victim", folder.at("link.partial").path().c_str()), 0);
     folder.makeFolder("folder.partial");
     for (const auto* name : {"link", "folder"}) {

@@ -21,7 +21,8 @@ public:
     [[nodiscard]] const FileDescriptor& file() const { return m_file; }
     [[nodiscard]] const FileURL& url() const { return m_url; }
 
-    /// Gives it another name, unless that is taken; the reason stands in errno.
+    /// Gives it another name, unless that is taken; the reason stands in errno. EBUSY: another file has its
+    /// name by now.
     [[nodiscard]] bool move(const FileURL& to);
 
 private:
