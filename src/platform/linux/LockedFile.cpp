@@ -24,15 +24,15 @@ bool isNamed(const FileDescriptor& file, const FileURL& url) {
            opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
 
-/// Erases a file whose maker is gone. Gives the reason, as in errno, why the name is not free now; 0 when it
-/// is.
+/// Erases a file whose maker is gone, or a link, never what that leads to. Gives the reason, as in errno, why
+/// the name is not free now; 0 when it is.
 int eraseAbandoned(const FileURL& url) {
     constexpr int flags = O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     FileDescriptor file{::open(url.path().c_str(), O_RDWR | flags)}; // locks on network drives ask for that
     if (!file.isOpen()) file = FileDescriptor{::open(url.path().c_str(), O_RDONLY | flags)};
     if (!file.isOpen()) {
-        if (errno == ENOENT) return 0;
-        return errno == ELOOP ? EEXIST : errno;
+        if (errno == ENOENT || (errno == ELOOP && ::unlink(url.path().c_str()) == 0)) return 0;
+        return errno;
     }
     struct stat values {};
     if (::fstat(file.get(), &values) != 0) return errno;
