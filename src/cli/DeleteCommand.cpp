@@ -45,7 +45,17 @@ DeleteCommand::Request DeleteCommand::read() const {
         const auto folder = file->parent();
         auto listed = folders.find(folder);
         if (listed == folders.end()) listed = folders.emplace(folder, mediaFilesIn(folder)).first;
-        listed->second ? request.targets.push_back(*file) : refuse(*file, listed->second.error().text);
+        const auto isListed = [&](const auto& items) {
+            return std::any_of(items.begin(), items.end(),
+                               [&](const auto& item) { return item.url == *file; });
+        };
+        if (!listed->second) {
+            refuse(*file, listed->second.error().text);
+        } else if (!isListed(*listed->second)) { // found in any case, its sidecar would seem to be nobody's
+            refuse(*file, "Its name is written in other letters.");
+        } else {
+            request.targets.push_back(*file);
+        }
     }
 
     std::vector<PhotoItem> beside;

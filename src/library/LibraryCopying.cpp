@@ -120,7 +120,8 @@ void LibraryViewModel::runCopy() {
         }
         auto report = copier.copy(*plans, request.destination, starred, stop,
                                   [&](const CopyService::Progress& progress) { published.send(progress); });
-        main.post([this, alive, source = request.source, copied = copiedItems(files, request.items, *plans)] {
+        main.post([this, alive, source = request.source,
+                   copied = copiedItems(files, request.items, *plans, report)] {
             if (!alive.expired() && source == m_sourceURL) noteCopied(copied);
         });
         published.send(std::move(report));

@@ -106,7 +106,7 @@ public:
 
     /// Copies a file's bytes, modification time, permissions and extended attributes to the file `temporary`.
     /// Attributes that its volume can't hold are left out. What a copy that was cut off left there is
-    /// replaced; where another copy is being written there, by any process, it fails with
+    /// replaced, and so is a link; where another copy is being written there, by any process, it fails with
     /// `device_or_resource_busy`, and where something else is, with `file_exists`. Fails with
     /// `operation_canceled` soon after `stop` is requested. A failure leaves nothing behind and names the
     /// file that it came from: `from` could not be read, or `temporary` not be written.

@@ -12,6 +12,15 @@ using Slider = LightAdjustments::Slider;
 /// That of millions of photos.
 constexpr std::int64_t maximumBytes = std::int64_t{1} << 30;
 
+/// The next save must not take away what somebody may still mend.
+void putAside(FileSystem& files, const FileURL& url) {
+    const auto name = url.appendingExtension("damaged");
+    auto moved = files.moveFile(url, name);
+    for (int i = 1; !moved && moved.error().code == std::errc::file_exists; ++i) {
+        moved = files.moveFile(url, name.appendingExtension(std::to_string(i)));
+    }
+}
+
 LightAdjustments parsedAdjustments(const nlohmann::json& values) {
     LightAdjustments adjustments;
     for (const auto slider : LightAdjustments::sliders) {
@@ -76,11 +85,10 @@ std::optional<DevelopPreset> EditStore::exportLook(const std::optional<DevelopPr
 EditStore::Edits EditStore::read(FileSystem& files, const FileURL& url) {
     Edits edits;
     const auto text = files.readFile(url, maximumBytes);
-    if (!text) return edits;
-    const auto json = nlohmann::json::parse(*text, nullptr, false);
+    if (!text && text.error().code == std::errc::no_such_file_or_directory) return edits;
+    const auto json = text ? nlohmann::json::parse(*text, nullptr, false) : nlohmann::json{};
     if (!json.is_object()) {
-        // The next save must not take away what somebody may still mend.
-        (void)files.moveFile(url, url.appendingExtension("damaged"));
+        putAside(files, url);
         return edits;
     }
     for (const auto& [key, values] : json.items()) {

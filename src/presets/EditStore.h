@@ -25,7 +25,7 @@ enum class EditProperty { adjustments, copiedAdjustments, count };
 ///
 /// The file is read in the background at first; edits made before it is there win. Changes are written once
 /// there has been none for half a second. What can't be written stays in memory and is tried again with the
-/// next change and at the end; a file that makes no sense is put aside under another name.
+/// next change and at the end; a file that can't be read or makes no sense is put aside under another name.
 class EditStore : public Observable<EditProperty> {
 public:
     static constexpr std::chrono::milliseconds saveDelay{500};

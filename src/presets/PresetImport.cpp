@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <optional>
+#include <ranges>
 #include <string_view>
 
 namespace kelvara {
@@ -20,6 +21,7 @@ namespace {
 constexpr std::int64_t maximumArchiveBytes = 128 << 20;
 constexpr std::size_t maximumUnpackedBytes = 512 << 20;
 constexpr std::size_t maximumFiles = 20'000;
+constexpr std::size_t maximumFolders = 16; // one within the other; what lies deeper comes into the last
 
 using Path = std::vector<std::string>; // names of folders, from the outermost
 
@@ -151,7 +153,7 @@ private:
 
     void addPreset(const Path& path, std::string_view fileName, std::string_view bytes) {
         auto folder = m_folder;
-        for (const auto& part : path) {
+        for (const auto& part : path | std::views::take(maximumFolders)) {
             if (const auto name = plainName(part); !name.empty()) folder = folder.child(name);
         }
         const auto wanted = folder.child(plainName(fileName));

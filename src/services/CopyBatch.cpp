@@ -17,6 +17,14 @@ constexpr std::int64_t maximumUnwrittenBytes = 8'000'000;
 constexpr std::chrono::milliseconds maximumAge{200};
 // Fewer are synced one by one, so that nobody waits for what others write on the volume.
 constexpr std::ptrdiff_t fewestForVolume = 8;
+/// Takes seconds to write, as videos do.
+constexpr std::int64_t longFileSize = 256'000'000;
+
+bool isShortOfDescriptors(const CopyService::CopyError& error) {
+    const auto* file = std::get_if<FileError>(&error);
+    return file != nullptr && (file->code == std::errc::too_many_files_open ||
+                               file->code == std::errc::too_many_files_open_in_system);
+}
 
 Failure<std::string> sidecarFailure(const FileError& error) {
     return Failure{fmt::format(fmt::runtime(localized("The rating sidecar couldn't be copied: {}.")),
@@ -30,9 +38,12 @@ void CopyService::Batch::add(const Plan& plan, std::optional<Rating> rating) {
     auto& entry = m_entries.emplace_back(Entry{plan, rating, Skipped{}});
     if (std::holds_alternative<Plan::Copy>(plan.action)) {
         entry.outcome = Copied{plan.size};
-        if (const auto written = write(entry); !written) {
-            entry.outcome = Failed{failureReason(written.error(), plan)};
+        auto written = write(entry);
+        if (!written && isShortOfDescriptors(written.error())) {
+            settlePhotos(); // of which each holds one
+            written = write(entry);
         }
+        if (!written) entry.outcome = Failed{failureReason(written.error(), plan)};
         if (entry.photo) m_unwrittenBytes += entry.photo->unwrittenBytes();
     }
 }
@@ -42,25 +53,18 @@ bool CopyService::Batch::isFull() const {
            (!m_entries.empty() && std::chrono::steady_clock::now() - m_start >= maximumAge);
 }
 
+bool CopyService::Batch::shouldFinishBefore(const Plan& plan) const {
+    return !m_entries.empty() && plan.size >= longFileSize;
+}
+
 std::vector<CopyService::Finished> CopyService::Batch::finish() {
-    syncVolumes();
-    for (auto& entry : m_entries) {
-        if (!entry.photo) continue;
-        if (const auto settled = settle(entry); !settled) {
-            entry.outcome = Failed{failureReason(settled.error(), entry.plan)};
-        }
-        entry.photo.reset();
-    }
+    settlePhotos();
     // A skipped file's sidecar is carried along too: the earlier copy may have been made without one.
     for (auto& entry : m_entries) {
         if (std::holds_alternative<Failed>(entry.outcome)) continue;
         if (const auto written = writeSidecar(entry); !written) entry.outcome = Failed{written.error()};
     }
-    for (auto& entry : m_entries) {
-        if (!entry.sidecar) continue;
-        if (const auto settled = settleSidecar(entry); !settled) entry.outcome = Failed{settled.error()};
-        entry.sidecar.reset();
-    }
+    settleSidecars();
     syncNames();
 
     std::vector<Finished> finished;
@@ -69,6 +73,25 @@ std::vector<CopyService::Finished> CopyService::Batch::finish() {
     m_entries.clear();
     m_unwrittenBytes = 0;
     return finished;
+}
+
+void CopyService::Batch::settlePhotos() {
+    syncVolumes();
+    for (auto& entry : m_entries) {
+        if (!entry.photo) continue;
+        if (const auto settled = settle(entry); !settled) {
+            entry.outcome = Failed{failureReason(settled.error(), entry.plan)};
+        }
+        entry.photo.reset();
+    }
+}
+
+void CopyService::Batch::settleSidecars() {
+    for (auto& entry : m_entries) {
+        if (!entry.sidecar) continue;
+        if (const auto settled = settleSidecar(entry); !settled) entry.outcome = Failed{settled.error()};
+        entry.sidecar.reset();
+    }
 }
 
 Result<void, CopyService::CopyError> CopyService::Batch::write(Entry& entry) const {
@@ -111,7 +134,7 @@ Result<void, CopyService::CopyError> CopyService::Batch::settle(Entry& entry) co
     return {};
 }
 
-Result<void, std::string> CopyService::Batch::writeSidecar(Entry& entry) const {
+Result<void, std::string> CopyService::Batch::writeSidecar(Entry& entry) {
     const auto& plan = entry.plan;
     if (!plan.isRaw) return {};
     const auto sidecar = plan.destination.stemKey();
@@ -122,8 +145,15 @@ Result<void, std::string> CopyService::Batch::writeSidecar(Entry& entry) const {
     }
     // Two RAW files of one shot carry the same sidecar, perhaps at the same moment: each by a temporary file
     // of its own. The sidecar may have been rewritten since the plan was made, so no size is expected of it.
-    auto copied = m_service.m_files.copyFile(
-        *plan.sourceSidecar, temporaryURL(plan.destination.appendingExtension("xmp")), CopyReading::none, {});
+    const auto copy = [&] {
+        const auto temporary = temporaryURL(plan.destination.appendingExtension("xmp"));
+        return m_service.m_files.copyFile(*plan.sourceSidecar, temporary, CopyReading::none, {});
+    };
+    auto copied = copy();
+    if (!copied && isShortOfDescriptors(copied.error())) {
+        settleSidecars();
+        copied = copy();
+    }
     if (!copied) return sidecarFailure(copied.error());
     entry.sidecar = std::move(*copied);
     return {};

@@ -19,6 +19,8 @@ public:
     void add(const Plan& plan, std::optional<Rating> rating);
     /// Whether it holds as much as should be at stake at once.
     [[nodiscard]] bool isFull() const;
+    /// Whether what it holds should not wait until this file is written.
+    [[nodiscard]] bool shouldFinishBefore(const Plan& plan) const;
     /// Gives the files their names, and their outcomes once these can't be lost. The batch is empty then.
     std::vector<Finished> finish();
 
@@ -37,8 +39,10 @@ private:
     void syncVolumes();
     Result<void, CopyError> settle(Entry& entry) const;
     /// These two fail with the reason as a sentence.
-    Result<void, std::string> writeSidecar(Entry& entry) const;
+    Result<void, std::string> writeSidecar(Entry& entry);
     Result<void, std::string> settleSidecar(Entry& entry) const;
+    void settlePhotos();
+    void settleSidecars();
     void syncNames();
 
     const CopyService& m_service;

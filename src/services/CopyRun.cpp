@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <system_error>
 
 namespace kelvara {
 
@@ -12,7 +13,18 @@ CopyService::Run::Run(const CopyService& service, const std::vector<Plan>& plans
     : m_service{service}, m_plans{plans}, m_ratings{ratings}, m_stop{stop}, m_running{
                                                                                 std::min(maximumInFlight,
                                                                                          plans.size())} {
-    for (std::size_t i = 0, count = m_running; i < count; ++i) m_threads.emplace_back([this] { work(); });
+    for (std::size_t i = 0, count = m_running; i < count; ++i) {
+        try {
+            m_threads.emplace_back([this] { work(); });
+        } catch (const std::system_error&) { // no more threads to be had: those there are do it all
+            {
+                const std::scoped_lock lock{m_mutex};
+                m_running -= count - std::max<std::size_t>(i, 1);
+            }
+            if (i == 0) work();
+            break;
+        }
+    }
 }
 
 std::optional<CopyService::Finished> CopyService::Run::next() {
@@ -27,6 +39,7 @@ std::optional<CopyService::Finished> CopyService::Run::next() {
 void CopyService::Run::work() {
     Batch batch{m_service};
     while (const auto* plan = take()) {
+        if (batch.shouldFinishBefore(*plan)) give(batch.finish());
         const auto rating = m_ratings.find(plan->source);
         batch.add(*plan, rating == m_ratings.end() ? std::nullopt : std::optional{rating->second});
         if (batch.isFull()) give(batch.finish());

@@ -61,4 +61,10 @@ no_partials "$work/exfat"
 say "exFAT: from the card, where names are found in any case"
 code 0 copy "$work/exfat/photos" "$work/back"
 expect copied 2 failed 0
+
+say "exFAT: a name in other case neither deletes nor takes the sidecar of the shot"
+cp "$card/1/DSC_1.NEF" "$work/exfat/DSC_1.JPG"
+echo stars | tee "$work/exfat/DSC_1.NEF" >"$work/exfat/DSC_1.xmp"
+code 1 "$cli" delete --permanently "$work/exfat/dsc_1.nef" >/dev/null 2>"$said"
+[[ $(ls "$work"/exfat/DSC_1.* | wc -l) == 3 ]] || fail "something is gone"
 say "exFAT held"

@@ -262,10 +262,11 @@ TEST_F(LibraryDeleteTest, aDeletionIsFinishedWhenTheLibraryGoes) {
 }
 
 TEST_F(LibraryDeleteTest, itIsKnownWhatThisSessionCopied) {
-    auto& library = open({"a.jpg", "b.jpg", "c.jpg"});
+    auto& library = open({"a.jpg", "b.NEF", "c.jpg"});
     EXPECT_EQ(library.notCopiedCount(library.items()), std::nullopt);
-    m_card.makeFolder("kept/b.jpg.partial"); // nothing can be written there
-    mark({"a.jpg", "b.jpg"});
+    m_card.write("DCIM/b.xmp", "stars");
+    m_card.makeFolder("kept/b.NEF.xmp.partial"); // the photo comes, its rating does not: that is a failure
+    mark({"a.jpg", "b.NEF"});
     library.startCopy();
     settle();
     EXPECT_EQ(library.notCopiedCount(library.items()), 2U);

@@ -140,6 +140,10 @@ TEST_F(EditStoreTest, oddFilesAreReadAsFarAsTheyMakeSense) {
         openLoaded();
         EXPECT_TRUE(store().adjustments(other).isEmpty());
     }
+    files.addFile("/support/kelvara/Edits.json", "of another user");
+    files.refuse(Operation::read, "/support/kelvara/Edits.json");
+    openLoaded();
+    EXPECT_EQ(files.bytes("/support/kelvara/Edits.json.damaged.5"), "of another user") << "none is replaced";
 }
 
 TEST_F(EditStoreTest, aFailedWriteIsTriedAgain) {

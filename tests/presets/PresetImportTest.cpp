@@ -98,7 +98,11 @@ TEST_F(PresetImportTest, aTakenNameGetsTheNextNumberAndTheSamePresetIsLeftOut) {
 
 TEST_F(PresetImportTest, archivesPutNothingWhereItDoesNotBelong) {
     const auto preset = xmpPreset("X");
+    std::string deep, deepest; // as many folders as are made, and as fit into a name
+    for (int i = 0; i < 15; ++i) deep += "d/";
+    while (deepest.size() < 60'000) deepest += "d/";
     const auto report = import({writeZip(m_folder / "h.zip", {{"../../../up.xmp", preset},
+                                                              {deepest + "deep.xmp", preset},
                                                               {"/etc/root.xmp", preset},
                                                               {"C:\\Users\\..\\dos.xmp", preset},
                                                               {"a/./b//dots.xmp", preset},
@@ -110,7 +114,8 @@ TEST_F(PresetImportTest, archivesPutNothingWhereItDoesNotBelong) {
     EXPECT_THAT(m_folder.files(),
                 UnorderedElementsAre("h.zip", "home/Presets/h/up.xmp", "home/Presets/h/etc/root.xmp",
                                      "home/Presets/h/C:/Users/dos.xmp", "home/Presets/h/a/b/dots.xmp",
-                                     "home/Presets/h/line_break/tab_.xmp"));
+                                     "home/Presets/h/line_break/tab_.xmp",
+                                     "home/Presets/h/" + deep + "deep.xmp"));
 
     // Few bytes that become many, and what only the owner of a password reads.
     const std::string large(DevelopPreset::maximumFileSize + 1, ' ');

@@ -2,6 +2,8 @@
 
 #include <atomic>
 #include <latch>
+#include <mutex>
+#include <set>
 #include <sys/stat.h>
 #include <thread>
 
@@ -196,6 +198,25 @@ TEST_F(CopyRunTest, aFailedFileIsCleanedUpAndTheOthersGoOn) {
     EXPECT_EQ(report.failures[1],
               (CopyService::Report::Failure{"4.JPG", "No space left on device", card.at("4.JPG")}));
     EXPECT_EQ(target.files(), (Strings{"0.JPG", "1.JPG", "2.JPG", "5.JPG", "6.JPG", "7.JPG"}));
+}
+
+TEST_F(CopyRunTest, aProcessThatMayOpenNoMoreFilesNamesThoseItHolds) {
+    std::vector<PhotoItem> items;
+    for (int i = 0; i < 60; ++i) {
+        items.push_back(photo(std::to_string(i) + ".NEF", "x"));
+        card.write(std::to_string(i) + ".xmp", "stars");
+    }
+    std::mutex mutex;
+    std::set<FileURL> refused; // every tenth file, once
+    files.onCopy = [&](const FileURL& from, const FileURL&) -> std::optional<std::errc> {
+        const std::scoped_lock lock{mutex};
+        if (!from.stem().ends_with('7') || !refused.insert(from).second) return std::nullopt;
+        return std::errc::too_many_files_open;
+    };
+    const auto report = copy(planned(items));
+    EXPECT_EQ(refused.size(), 12U);
+    EXPECT_EQ(report.copied, 60);
+    EXPECT_EQ(target.files().size(), 120U);
 }
 
 TEST_F(CopyRunTest, copiesThreeFilesAtOnceAndNeverMore) {

@@ -24,16 +24,15 @@ bool isNamed(const FileDescriptor& file, const FileURL& url) {
            opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
 
-/// Erases a file whose maker is gone. Gives the reason, as in errno, why the name is not free now; 0 when it
-/// is.
+/// Erases a file whose maker is gone, or a link, never what that leads to. Gives the reason, as in errno, why
+/// the name is not free now; 0 when it is.
 int eraseAbandoned(const FileURL& url) {
-    constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    const FileDescriptor file{::open(url.path().c_str(), flags)};
+    constexpr int flags = O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    FileDescriptor file{::open(url.path().c_str(), O_RDWR | flags)}; // locks on network drives ask for that
+    if (!file.isOpen()) file = FileDescriptor{::open(url.path().c_str(), O_RDONLY | flags)};
     if (!file.isOpen()) {
-        if (errno == ENOENT) return 0;
-        if (errno != ELOOP) return errno;
-        // A link is nobody's copy, and only the link goes.
-        return ::unlink(url.path().c_str()) == 0 || errno == ENOENT ? 0 : errno;
+        if (errno == ENOENT || (errno == ELOOP && ::unlink(url.path().c_str()) == 0)) return 0;
+        return errno;
     }
     struct stat values {};
     if (::fstat(file.get(), &values) != 0) return errno;
@@ -63,10 +62,16 @@ Result<LockedFile, FileError> LockedFile::create(const FileURL& url) {
 }
 
 LockedFile::~LockedFile() {
-    if (m_file.isOpen() && !m_wasMoved) ::unlink(m_url.path().c_str());
+    if (m_file.isOpen() && !m_wasMoved && isNamed(m_file, m_url)) ::unlink(m_url.path().c_str());
 }
 
 bool LockedFile::move(const FileURL& to) {
+    // On file systems without locks somebody may have taken it for abandoned, and writes another one now.
+    errno = 0;
+    if (!isNamed(m_file, m_url)) {
+        if (errno == 0) errno = EBUSY;
+        return false;
+    }
     m_wasMoved = moveWithoutReplacing(m_url, to);
     return m_wasMoved;
 }

@@ -10,8 +10,8 @@ namespace kelvara {
 /// erased with this object unless it was moved.
 class LockedFile {
 public:
-    /// Replaces a file there that nobody holds any more. Fails with EBUSY where somebody does, and with
-    /// EEXIST where something other than a file is.
+    /// Replaces a file there that nobody holds any more, or a link. Fails with EBUSY where somebody holds it,
+    /// and with EEXIST where something else is.
     [[nodiscard]] static Result<LockedFile, FileError> create(const FileURL& url);
 
     LockedFile(LockedFile&&) noexcept = default;
@@ -21,7 +21,8 @@ public:
     [[nodiscard]] const FileDescriptor& file() const { return m_file; }
     [[nodiscard]] const FileURL& url() const { return m_url; }
 
-    /// Gives it another name, unless that is taken; the reason stands in errno.
+    /// Gives it another name, unless that is taken; the reason stands in errno. EBUSY: another file has its
+    /// name by now.
     [[nodiscard]] bool move(const FileURL& to);
 
 private:
