@@ -160,15 +160,17 @@ AlertView::AlertView(const QString& title, const QString& message, const QString
     auto* icon = new QLabel{this};
     icon->setPixmap(
         symbol(u"exclamationmark.triangle.fill", 36, Theme::current().warning, devicePixelRatioF()));
-    auto* heading = makeLabel(TextRole::headline, Tone::normal, this, title);
-    heading->setWordWrap(true);
-    heading->setFixedWidth(textWidth);
     // Breaks names that have no spaces, which a label cuts.
-    auto* body = new SelectableText{this};
-    body->setFont(kelvara::font(TextRole::body));
-    body->setAccessibleName(message);
-    body->setFixedWidth(textWidth);
-    body->showText(message);
+    const auto makeText = [this](TextRole role, const QString& words) {
+        auto* text = new SelectableText{this};
+        text->setFont(kelvara::font(role));
+        text->setAccessibleName(words);
+        text->setFixedWidth(textWidth);
+        text->showText(words);
+        return text;
+    };
+    auto* heading = makeText(TextRole::headline, title);
+    auto* body = makeText(TextRole::body, message);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(spacing::small);
     buttons->addStretch(1);
