@@ -22,6 +22,7 @@ using Areas = QMap<QString, QVariantMap>;
 
 DesktopAppearance::DesktopAppearance(const QDBusConnection& sessionBus, QObject* parent) : QObject{parent} {
     if (!sessionBus.isConnected()) return;
+    qRegisterMetaType<QDBusVariant>(); // the slot's argument is looked up by name
     auto bus = sessionBus;
     bus.connect(service, path, settings, QStringLiteral("SettingChanged"), this,
                 SLOT(settingChanged(QString, QString, QDBusVariant)));

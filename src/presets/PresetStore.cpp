@@ -234,6 +234,7 @@ void PresetStore::selectBy(int step) {
             if (met.insert(preset->id).second) ids.push_back(preset->id);
         }
     }
+    if (met.empty()) return; // nothing found; what is selected stays
     // Where the search hides the selected one, the way begins at none.
     const auto found = std::find(ids.begin(), ids.end(), m_selectedID);
     const auto at = found == ids.end() ? 0 : found - ids.begin();

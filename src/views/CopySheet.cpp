@@ -64,9 +64,10 @@ void CopySheet::showReport(const CopyService::Report& report) {
     connect(view->showButton(), &QPushButton::clicked, this,
             [this, folder = report.destination] { m_desktop.showInFileManager(folder); });
     if (!view->clearButton()) return;
-    connect(view->clearButton(), &QPushButton::clicked, this, [this, button = view->clearButton()] {
+    connect(view->clearButton(), &QPushButton::clicked, this, [this, view] {
         m_library.unmarkCopiedPhotos();
-        button->setEnabled(false);
+        if (view->clearButton()->hasFocus()) view->doneButton()->setFocus();
+        view->clearButton()->setEnabled(false);
     });
 }
 

@@ -26,6 +26,7 @@ constexpr int roomForPreset = 460;
 // What the preset takes from the others.
 constexpr int presetSymbolWidth = 40;
 constexpr int presetWidth = 160;
+constexpr int longestPreset = 200;
 
 QPixmap starsPixmap(Rating rating, qreal ratio) {
     QPixmap pixmap{(QSizeF{static_cast<qreal>(RatingStars::width(starSize)), starSize} * ratio).toSize()};
@@ -55,6 +56,7 @@ LoupeInfoBar::LoupeInfoBar(QWidget* parent) : Panel{&Theme::window, parent} {
     m_presetSymbol->setContentsMargins(spacing::tiny, 0, 0, 0);
     m_preset = new ElidedLabel{this};
     dress(*m_preset, TextRole::caption, Tone::normal);
+    m_preset->setMaximumWidth(longestPreset);
     m_busy = new BusyIndicator{14, this};
     m_loading = makeLabel(TextRole::caption, Tone::quiet, this, tr("Loading full resolution…"));
     const auto help = tr("Z or double-click: Fit / 100% · ⌘+ ⌘− ⌘0 · ⌘-scroll, ⌥-scroll or pinch to zoom");

@@ -11,18 +11,20 @@ namespace kelvara {
 namespace {
 constexpr int widest = 640;
 constexpr QMargins padding{10, 5, 10, 6};
+// Breaks names that have no spaces too, which a label cuts.
+constexpr int layoutFlags = Qt::AlignCenter | Qt::TextWordWrap | Qt::TextWrapAnywhere;
 } // namespace
 
 PresetCaption::PresetCaption(QWidget* parent) : QLabel{parent} {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setTextFormat(Qt::PlainText);
     setFont(kelvara::font(TextRole::caption));
-    setAlignment(Qt::AlignCenter);
     setWordWrap(true);
-    setContentsMargins(padding);
-    auto colours = palette();
-    colours.setColor(QPalette::WindowText, Theme::current().onOverlay); // the same in both appearances
-    setPalette(colours);
+}
+
+int PresetCaption::heightForWidth(int width) const {
+    const QRect room{0, 0, width - padding.left() - padding.right(), QWIDGETSIZE_MAX};
+    return fontMetrics().boundingRect(room, layoutFlags, text()).height() + padding.top() + padding.bottom();
 }
 
 QSize PresetCaption::sizeHint() const {
@@ -32,14 +34,14 @@ QSize PresetCaption::sizeHint() const {
     return {width, heightForWidth(width)};
 }
 
-void PresetCaption::paintEvent(QPaintEvent* event) {
+void PresetCaption::paintEvent(QPaintEvent*) {
     QPainter painter{this};
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(Theme::current().overlay);
     painter.drawRoundedRect(rect(), radius::popover, radius::popover);
-    painter.end();
-    QLabel::paintEvent(event);
+    painter.setPen(Theme::current().onOverlay);
+    painter.drawText(rect().marginsRemoved(padding), layoutFlags, text());
 }
 
 } // namespace kelvara

@@ -11,6 +11,7 @@ class PresetCaption : public QLabel {
 
 public:
     explicit PresetCaption(QWidget* parent = nullptr);
+    [[nodiscard]] int heightForWidth(int width) const override;
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return {0, 0}; }
 

@@ -158,6 +158,7 @@ void PresetListView::relayout() {
     bar->setPageStep(viewport()->height());
     bar->setSingleStep(scrollStep);
     bar->setRange(0, std::max(m_layout.contentHeight() - viewport()->height(), 0));
+    bar->setEnabled(bar->maximum() > 0);
     if (anchor && (top() > 0 || wasHovered)) {
         if (const auto kept = index(anchor->first)) bar->setValue(entry(*kept).rect.top() - anchor->second);
     }

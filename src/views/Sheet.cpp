@@ -38,7 +38,8 @@ void Sheet::present(QWidget* content) {
         m_content->hide();
         m_content->deleteLater();
     }
-    if (!isVisible()) m_previousFocus = window()->focusWidget();
+    const bool isNew = !isVisible();
+    if (isNew) m_previousFocus = window()->focusWidget();
     m_content = content;
     setButtons(nullptr, nullptr);
     m_content->setParent(this);
@@ -46,16 +47,34 @@ void Sheet::present(QWidget* content) {
     m_content->show();
     place();
     show();
-    raise();
-    setFocus(Qt::OtherFocusReason);
+    if (isNew) raise();
+    const auto sheets = visibleSheets();
+    if (sheets.isEmpty() || sheets.back() == this) setFocus(Qt::OtherFocusReason);
 }
 
 void Sheet::dismiss() {
     if (!isVisible()) return;
+    auto sheets = visibleSheets();
+    const auto above = sheets.indexOf(this) + 1;
     hide();
     if (m_content) m_content->deleteLater();
     m_content = nullptr;
-    if (m_previousFocus) m_previousFocus->setFocus(Qt::OtherFocusReason);
+    // The one above took the keyboard from here, and gives it back in its turn.
+    if (above < sheets.size()) {
+        sheets[above]->m_previousFocus = m_previousFocus;
+        return;
+    }
+    sheets.removeLast();
+    // What had the keyboard in a sheet below may be gone.
+    QWidget* next = m_previousFocus;
+    if (!next && !sheets.isEmpty()) next = sheets.back();
+    if (next) next->setFocus(Qt::OtherFocusReason);
+}
+
+QList<Sheet*> Sheet::visibleSheets() const {
+    auto sheets = parentWidget()->findChildren<Sheet*>(QString{}, Qt::FindDirectChildrenOnly);
+    sheets.removeIf([](const Sheet* sheet) { return !sheet->isVisible(); });
+    return sheets; // in the order in which they are painted
 }
 
 void Sheet::setButtons(QPushButton* defaultButton, QPushButton* cancelButton) {
@@ -141,15 +160,17 @@ AlertView::AlertView(const QString& title, const QString& message, const QString
     auto* icon = new QLabel{this};
     icon->setPixmap(
         symbol(u"exclamationmark.triangle.fill", 36, Theme::current().warning, devicePixelRatioF()));
-    auto* heading = makeLabel(TextRole::headline, Tone::normal, this, title);
-    heading->setWordWrap(true);
-    heading->setFixedWidth(textWidth);
     // Breaks names that have no spaces, which a label cuts.
-    auto* body = new SelectableText{this};
-    body->setFont(kelvara::font(TextRole::body));
-    body->setAccessibleName(message);
-    body->setFixedWidth(textWidth);
-    body->showText(message);
+    const auto makeText = [this](TextRole role, const QString& words) {
+        auto* text = new SelectableText{this};
+        text->setFont(kelvara::font(role));
+        text->setAccessibleName(words);
+        text->setFixedWidth(textWidth);
+        text->showText(words);
+        return text;
+    };
+    auto* heading = makeText(TextRole::headline, title);
+    auto* body = makeText(TextRole::body, message);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(spacing::small);
     buttons->addStretch(1);

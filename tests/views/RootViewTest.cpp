@@ -283,6 +283,27 @@ TEST_F(RootViewTest, aFinishedCopyReportsAndReturnEndsIt) {
     EXPECT_TRUE(std::holds_alternative<CopyIdle>(m_library->copyState()));
 }
 
+TEST_F(RootViewTest, ofTwoSheetsTheLaterStaysOnTopAndTheKeyboardComesBackThroughBoth) {
+    open({"a.jpg"});
+    const auto preset = m_presets.put("Look");
+    m_presets.watch.change();
+    settle();
+    m_presets.trash.refuse(preset);
+    m_presets.store.remove("Look.xmp");
+    press(Qt::Key_S);
+    const TemporaryFolder destination;
+    m_library->startCopy();
+    m_chooser.answer(FolderChooser::Choice{destination.url(), false});
+    settle(); // the preset stays, and then the copy has ended
+    ASSERT_FALSE(m_presets.store.removeError().empty());
+    press(Qt::Key_Return);
+    EXPECT_TRUE(m_presets.store.removeError().empty());
+    EXPECT_TRUE(std::holds_alternative<CopyService::Report>(m_library->copyState()));
+    press(Qt::Key_Return);
+    EXPECT_TRUE(std::holds_alternative<CopyIdle>(m_library->copyState()));
+    EXPECT_EQ(QApplication::focusWidget(), m_grid);
+}
+
 TEST_F(RootViewTest, closingDuringACopyAsksAndWaitsForItsEnd) {
     auto& window = open({"a.jpg", "b.jpg"});
     const TemporaryFolder destination;
