@@ -41,7 +41,9 @@ void LibraryViewModel::setDeletesPairedFiles(bool deletes) {
     }
 }
 
-std::size_t LibraryViewModel::deletingCount() const { return m_deletion ? m_deletion->count : 0; }
+std::size_t LibraryViewModel::deletingCount() const {
+    return m_deletion && m_deletion->source == m_sourceURL ? m_deletion->count : 0;
+}
 
 bool LibraryViewModel::willLoseSidecar(const FileURL& id) const {
     return m_deletion && m_deletion->sidecars.contains(id.stemKey());

@@ -19,6 +19,7 @@ void LibraryViewModel::setSourceURL(const FileURL& source) {
     const Change change{*this};
     assign(Property::sourceURL, m_sourceURL, source);
     assign(Property::searchText, m_searchText, {});
+    if (m_deletion) didChange(Property::deletingCount);
     m_sourceRestore.cancel();
     m_copiedItems.clear();
     if (source.isEmpty()) {

@@ -290,7 +290,7 @@ public:
     /// How many of `items` no copy of this session has brought to its destination. Empty while nothing of
     /// this source was copied.
     [[nodiscard]] std::optional<std::size_t> notCopiedCount(std::span<const PhotoItem> items) const;
-    /// The number of files that are being deleted.
+    /// The number of this source's files that are being deleted.
     [[nodiscard]] std::size_t deletingCount() const;
     [[nodiscard]] bool isDeleting() const { return m_deletion.has_value(); }
     [[nodiscard]] const std::string& deleteError() const { return m_deleteError; }

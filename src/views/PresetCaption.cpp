@@ -3,6 +3,7 @@
 #include "views/Theme.h"
 
 #include <QPainter>
+#include <QtMath>
 
 #include <algorithm>
 
@@ -11,8 +12,6 @@ namespace kelvara {
 namespace {
 constexpr int widest = 640;
 constexpr QMargins padding{10, 5, 10, 6};
-// Breaks names that have no spaces too, which a label cuts.
-constexpr int layoutFlags = Qt::AlignCenter | Qt::TextWordWrap | Qt::TextWrapAnywhere;
 } // namespace
 
 PresetCaption::PresetCaption(QWidget* parent) : QLabel{parent} {
@@ -22,9 +21,20 @@ PresetCaption::PresetCaption(QWidget* parent) : QLabel{parent} {
     setWordWrap(true);
 }
 
+QStaticText PresetCaption::laidOut(int width) const {
+    // Breaks names that have no spaces too, which a label cuts.
+    QTextOption option{Qt::AlignHCenter};
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    QStaticText words{text().replace(u'\n', QChar::LineSeparator)};
+    words.setTextFormat(Qt::PlainText);
+    words.setTextOption(option);
+    words.setTextWidth(width - padding.left() - padding.right());
+    words.prepare({}, font());
+    return words;
+}
+
 int PresetCaption::heightForWidth(int width) const {
-    const QRect room{0, 0, width - padding.left() - padding.right(), QWIDGETSIZE_MAX};
-    return fontMetrics().boundingRect(room, layoutFlags, text()).height() + padding.top() + padding.bottom();
+    return qCeil(laidOut(width).size().height()) + padding.top() + padding.bottom();
 }
 
 QSize PresetCaption::sizeHint() const {
@@ -41,7 +51,7 @@ void PresetCaption::paintEvent(QPaintEvent*) {
     painter.setBrush(Theme::current().overlay);
     painter.drawRoundedRect(rect(), radius::popover, radius::popover);
     painter.setPen(Theme::current().onOverlay);
-    painter.drawText(rect().marginsRemoved(padding), layoutFlags, text());
+    painter.drawStaticText(padding.left(), padding.top(), laidOut(width()));
 }
 
 } // namespace kelvara

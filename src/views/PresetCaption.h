@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QLabel>
+#include <QStaticText>
 
 namespace kelvara {
 
@@ -17,6 +18,9 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    [[nodiscard]] QStaticText laidOut(int width) const;
 };
 
 } // namespace kelvara

@@ -74,7 +74,7 @@ void PresetStrengthView::refreshPreset() {
     const auto preset = m_presets.selectedPreset();
     const auto has = preset != nullptr;
     m_title->setText(has ? text(preset->title) : tr("No preset chosen"));
-    dress(*m_title, has ? TextRole::emphasis : TextRole::body, has ? Tone::normal : Tone::quiet);
+    dress(*m_title, TextRole::emphasis, has ? Tone::normal : Tone::quiet);
     const auto showNote = [](QLabel* note, const QString& words) {
         note->setText(words);
         note->setVisible(!words.isEmpty());

@@ -8,8 +8,8 @@ class QPushButton;
 namespace kelvara {
 
 /// Asks for attention inside its window: dims what lies below, holds the keyboard, and shows one panel.
-/// Return presses the panel's default button, Esc its cancel button. Of several the one that came last lies on
-/// top and has the keyboard, also while one below it changes or goes.
+/// Return presses the panel's default button, Esc its cancel button. Of several the one that came last lies
+/// on top and has the keyboard, also while one below it changes or goes.
 class Sheet : public QWidget {
     Q_OBJECT
 

@@ -245,7 +245,9 @@ TEST_F(LibraryDeleteTest, aCardThatIsPulledEndsTheDeletionBeforeAnotherTakesItsP
     mark({"a.jpg", "b.jpg"});
     library.requestDeleteForFocused();
     library.confirmDeletion();
+    EXPECT_EQ(library.deletingCount(), 2U);
     m_volumes.unmount(m_card.url());
+    EXPECT_EQ(library.deletingCount(), 0U); // of what is shown now
     settle();
     EXPECT_EQ(m_card.files("DCIM").size(), 2U);
     EXPECT_EQ(library.deleteError(), "");
