@@ -125,7 +125,8 @@ TEST_F(PresetImportTest, archivesPutNothingWhereItDoesNotBelong) {
                 ElementsAre("secret.xmp is protected by a password."));
 
     // Damage anywhere costs presets at most.
-    const auto whole = TemporaryFolder::read(m_folder / "h.zip");
+    const auto whole = TemporaryFolder::read(writeZip(
+        m_folder / "w.zip", {{"../up.xmp", preset}, {"/etc/root.xmp", preset}, {"a/b.xmp", preset}}));
     for (std::size_t at = 0; at < whole.size(); at += 3) {
         auto damaged = whole;
         damaged[at] = static_cast<char>(~damaged[at]);
