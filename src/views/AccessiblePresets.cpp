@@ -1,5 +1,6 @@
 // What assistive tools see of PresetListView.
 
+#include "views/AccessibleListItem.h"
 #include "views/PresetListView.h"
 
 #include <QAccessibleWidget>
@@ -11,23 +12,13 @@ namespace kelvara {
 namespace {
 
 /// One entry by its place in the list; a new list has new ones.
-class AccessibleEntry : public QAccessibleInterface, public QAccessibleActionInterface {
+class AccessibleEntry : public AccessibleListItem {
 public:
-    AccessibleEntry(PresetListView& view, std::size_t index) : m_view{view}, m_index{index} {}
+    AccessibleEntry(PresetListView& view, std::size_t index)
+        : AccessibleListItem{view}, m_view{view}, m_index{index} {}
 
     [[nodiscard]] std::size_t index() const { return m_index; }
     [[nodiscard]] bool isValid() const override { return m_index < m_view.listLayout().entries().size(); }
-    [[nodiscard]] QObject* object() const override { return nullptr; }
-    [[nodiscard]] QWindow* window() const override { return m_view.window()->windowHandle(); }
-    [[nodiscard]] QAccessibleInterface* parent() const override {
-        return QAccessible::queryAccessibleInterface(&m_view);
-    }
-    [[nodiscard]] QAccessibleInterface* child(int) const override { return nullptr; }
-    [[nodiscard]] QAccessibleInterface* childAt(int, int) const override { return nullptr; }
-    [[nodiscard]] int childCount() const override { return 0; }
-    [[nodiscard]] int indexOfChild(const QAccessibleInterface*) const override { return -1; }
-    [[nodiscard]] QAccessible::Role role() const override { return QAccessible::ListItem; }
-    void setText(QAccessible::Text, const QString&) override {}
 
     [[nodiscard]] QRect rect() const override {
         if (!isValid()) return {};
@@ -55,10 +46,6 @@ public:
         state.focused = m_view.hasFocus() && m_view.currentIndex() == m_index;
         state.offscreen = !m_view.canvas().rect().intersects(m_view.entryRect(m_index));
         return state;
-    }
-    void* interface_cast(QAccessible::InterfaceType type) override {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
-                                                    : nullptr;
     }
     [[nodiscard]] QStringList actionNames() const override { return {pressAction()}; }
     [[nodiscard]] QStringList keyBindingsForAction(const QString&) const override { return {}; }

@@ -1,8 +1,8 @@
 #include "views/PhotoCells.h"
 
+#include "views/AccessibleListItem.h"
 #include "views/Text.h"
 
-#include <QAccessible>
 #include <QAccessibleWidget>
 #include <QCoreApplication>
 #include <QWidget>
@@ -20,22 +20,12 @@ constexpr std::size_t mostKept = 2000;
 QString cellText(const char* text) { return QCoreApplication::translate("ThumbnailCell", text); }
 
 /// One photo. It is that photo wherever it moves, and invalid while it isn't shown.
-class AccessibleCell : public QAccessibleInterface, public QAccessibleActionInterface {
+class AccessibleCell : public AccessibleListItem {
 public:
-    AccessibleCell(QWidget& view, FileURL url) : m_view{view}, m_url{std::move(url)} {}
+    AccessibleCell(QWidget& view, FileURL url)
+        : AccessibleListItem{view}, m_view{view}, m_url{std::move(url)} {}
 
     [[nodiscard]] bool isValid() const override { return index().has_value(); }
-    [[nodiscard]] QObject* object() const override { return nullptr; }
-    [[nodiscard]] QWindow* window() const override { return m_view.window()->windowHandle(); }
-    [[nodiscard]] QAccessibleInterface* parent() const override {
-        return QAccessible::queryAccessibleInterface(&m_view);
-    }
-    [[nodiscard]] QAccessibleInterface* child(int) const override { return nullptr; }
-    [[nodiscard]] QAccessibleInterface* childAt(int, int) const override { return nullptr; }
-    [[nodiscard]] int childCount() const override { return 0; }
-    [[nodiscard]] int indexOfChild(const QAccessibleInterface*) const override { return -1; }
-    [[nodiscard]] QAccessible::Role role() const override { return QAccessible::ListItem; }
-    void setText(QAccessible::Text, const QString&) override {}
 
     [[nodiscard]] QRect rect() const override {
         const auto at = index();
@@ -67,11 +57,6 @@ public:
         const auto at = index();
         state.offscreen = !at || !cells().canvas().rect().intersects(cells().cellRect(*at));
         return state;
-    }
-
-    void* interface_cast(QAccessible::InterfaceType type) override {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
-                                                    : nullptr;
     }
 
     [[nodiscard]] QStringList actionNames() const override {

@@ -41,6 +41,19 @@ copy() {
   "$cli" copy "$@" --json >"$report" 2>"$said" || code=$?
   return "$code"
 }
+# copy_as_nobody FOLDER DESTINATION: the same for somebody without special rights, who owns FOLDER, and DESTINATION
+# with the further argument "own".
+copy_as_nobody() {
+  local code=0 as_nobody=()
+  if ((EUID == 0)); then
+    as_nobody=(setpriv --reuid 65534 --regid 65534 --clear-groups)
+    chmod 755 "$work"
+    chown -R 65534 "$1"
+    [[ ${3:-} != own ]] || chown 65534 "$2"
+  fi
+  "${as_nobody[@]}" "$cli" copy "$1" "$2" --json >"$report" 2>"$said" || code=$?
+  return "$code"
+}
 # value NAME: a field of the report.
 value() { python3 -c 'import json, sys; print(json.load(open(sys.argv[1]))[sys.argv[2]])' "$report" "$1"; }
 # expect NAME NUMBER...: pairs of fields of the report and what they must be.
