@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <latch>
+#include <mutex>
 
 namespace kelvara {
 namespace {
@@ -88,9 +89,31 @@ TEST_F(PresetRendererTest, whoWithdrawsIsNotAnsweredAndItsDrawingStops) {
     EXPECT_EQ(renderer.cached(wanted, url, image), nullptr);
 }
 
+/// Takes jobs from other threads.
+class MainThread : public Executor {
+public:
+    void post(std::function<void()> job) override {
+        const std::lock_guard lock{m_mutex};
+        m_jobs.post(std::move(job));
+    }
+    void runAll() {
+        ManualExecutor jobs;
+        {
+            const std::lock_guard lock{m_mutex};
+            std::swap(jobs, m_jobs);
+        }
+        jobs.runAll();
+    }
+
+private:
+    std::mutex m_mutex;
+    ManualExecutor m_jobs;
+};
+
 TEST_F(PresetRendererTest, threadsDrawWhileTheMainThreadChangesItsMind) {
     ThreadPool pool{2};
-    PresetRenderer threaded{pool, main};
+    MainThread mainThread;
+    PresetRenderer threaded{pool, mainThread};
     std::vector<ImageRequest> requests;
     const auto large = mixedPicture({900, 600});
     for (int i = 0; i < 40; ++i) {
@@ -103,13 +126,13 @@ TEST_F(PresetRendererTest, threadsDrawWhileTheMainThreadChangesItsMind) {
             ++answers;
             if (result) last = result;
         }));
-        main.runAll();
+        mainThread.runAll();
     }
     std::latch ended{2};
     for (int i = 0; i < 2; ++i) pool.post([&ended] { ended.arrive_and_wait(); });
     ended.wait();
     pool.end();
-    main.runAll();
+    mainThread.runAll();
     EXPECT_GE(answers, 30);
     ASSERT_NE(last, nullptr);
     EXPECT_EQ(last->size(), large->size());
