@@ -200,10 +200,9 @@ int main(int argumentCount, char** argumentValues) {
     const QTemporaryDir folder{QString::fromStdString((source.parent_path() / "frames-XXXXXX").string())};
     fill(folder.path().toStdString(), source, photos);
 
-    KelvaraApp app{
-        {.folder = FileURL::standardized(folder.path().toStdString()),
-         .preferencesPath = folder.filePath(QStringLiteral("kelvara.conf")),
-         .presetFolder = FileURL::standardized(folder.filePath(QStringLiteral("Presets")).toStdString())}};
+    KelvaraApp app{{.folder = FileURL::standardized(folder.path().toStdString()),
+                    .preferencesPath = folder.filePath(QStringLiteral("kelvara.conf")),
+                    .dataFolder = FileURL::standardized(folder.path().toStdString())}};
     app.window().keepSize({1440, 900});
     app.window().show();
     auto& grid = *app.window().findChild<PhotoGridView*>();

@@ -45,7 +45,7 @@ int main(int argumentCount, char** argumentValues) {
     KelvaraApp app{
         {.folder = FileURL::standardized(argumentValues[1], std::filesystem::current_path().string()),
          .preferencesPath = settings.filePath(QStringLiteral("kelvara.conf")),
-         .presetFolder = FileURL::standardized(settings.filePath(QStringLiteral("Presets")).toStdString())}};
+         .dataFolder = FileURL::standardized(settings.path().toStdString())}};
     app.window().resize(1440, 900);
     app.window().show();
     application.processEvents();

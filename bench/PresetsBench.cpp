@@ -111,11 +111,10 @@ int main(int argumentCount, char** argumentValues) {
     if (argumentCount < 2) return std::puts("presets_bench: give a folder of photos to measure"), 0;
     applyTheme(application, Theme::Appearance::dark);
     const QTemporaryDir settings;
-    KelvaraApp app{
-        {.folder = FileURL::standardized(argumentValues[1]),
-         .preferencesPath = settings.filePath(QStringLiteral("kelvara.conf")),
-         .presetFolder = FileURL::standardized(settings.filePath(QStringLiteral("Presets")).toStdString()),
-         .countsUsage = false}};
+    KelvaraApp app{{.folder = FileURL::standardized(argumentValues[1]),
+                    .preferencesPath = settings.filePath(QStringLiteral("kelvara.conf")),
+                    .dataFolder = FileURL::standardized(settings.path().toStdString()),
+                    .countsUsage = false}};
     app.window().keepSize({1440, 900});
     app.window().show();
     waitUntil([&] { return !app.library().isScanning(); });

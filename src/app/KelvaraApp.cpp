@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QLocale>
 #include <QSysInfo>
+#include <QTimer>
 #include <QUrl>
 
 namespace kelvara {
@@ -25,6 +26,10 @@ CopyService::SidecarWriter sidecarWriter(XMPService& sidecars) {
         if (!written) return Failure{message(written.error())};
         return {};
     };
+}
+
+void callLater(std::chrono::milliseconds delay, std::function<void()> job) {
+    QTimer::singleShot(delay, std::move(job));
 }
 
 } // namespace
@@ -52,10 +57,13 @@ KelvaraApp::KelvaraApp(const Options& options)
                                                                          .preferences = m_preferences,
                                                                          .background = m_background,
                                                                          .main = m_main,
-                                                                         .folder = options.presetFolder,
+                                                                         .folder = options.dataFolder.child(
+                                                                             "Presets"),
                                                                          .collationLocale = m_locale}},
-      m_presetRenderer{m_images.rendering(), m_main}, m_sidecarWrites{1, ThreadPool::AtEnd::finish},
-      m_sideWindows{m_settings, QUrl{QStringLiteral(KELVARA_SUPPORT_URL)}} {
+      m_presetRenderer{m_images.rendering(), m_main}, m_editWrites{1, ThreadPool::AtEnd::finish},
+      m_edits{m_files, options.dataFolder.child("Edits.json"), m_editWrites, m_main, callLater},
+      m_sidecarWrites{1, ThreadPool::AtEnd::finish}, m_sideWindows{m_settings, QUrl{QStringLiteral(
+                                                                                   KELVARA_SUPPORT_URL)}} {
     const LibraryServices services{.files = m_files,
                                    .trash = m_trash,
                                    .background = m_background,
@@ -76,8 +84,15 @@ KelvaraApp::KelvaraApp(const Options& options)
                                    .collationLocale = m_locale};
     m_analytics.record(AppStarted{});
     m_library = std::make_unique<LibraryViewModel>(services, options.folder);
-    m_window = std::make_unique<RootView>(*m_library, m_presets, m_preferences, m_desktop, m_sideWindows,
-                                          makeCanvases(), [this](const FileURL& path) { openDropped(path); });
+    m_window = std::make_unique<RootView>(
+        RootView::Services{.library = *m_library,
+                           .presets = m_presets,
+                           .edits = m_edits,
+                           .preferences = m_preferences,
+                           .desktop = m_desktop,
+                           .sideWindows = m_sideWindows,
+                           .onDrop = [this](const FileURL& path) { openDropped(path); }},
+        makeCanvases());
     m_folderChooser.setWindow(m_window.get());
     QObject::connect(m_grid, &PhotoGridView::photoMenuRequested, m_window.get(), &RootView::showPhotoMenu);
     QObject::connect(m_loupe, &LoupeView::photoMenuRequested, m_window.get(), &RootView::showPhotoMenu);

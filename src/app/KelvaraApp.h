@@ -19,6 +19,7 @@
 #include "platform/linux/QtMainExecutor.h"
 #include "platform/linux/SettingsPreferences.h"
 #include "platform/linux/UDisksVolumes.h"
+#include "presets/EditStore.h"
 #include "presets/PresetRenderer.h"
 #include "presets/PresetStore.h"
 #include "services/CopyService.h"
@@ -45,7 +46,7 @@ public:
     struct Options {
         FileURL folder;          ///< Opened at start; empty for the remembered one.
         QString preferencesPath; ///< The file of the settings.
-        FileURL presetFolder;    ///< Of imported presets.
+        FileURL dataFolder;      ///< Of imported presets and of the photos' edits.
         bool countsUsage = true; ///< Where the settings allow it, too.
     };
 
@@ -88,6 +89,8 @@ private:
     LinuxFolderWatch m_presetWatch;
     PresetStore m_presets;
     PresetRenderer m_presetRenderer;
+    ThreadPool m_editWrites;
+    EditStore m_edits;
     ThreadPool m_sidecarWrites;
     SideWindows m_sideWindows;
     std::unique_ptr<LibraryViewModel> m_library;

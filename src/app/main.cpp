@@ -109,11 +109,9 @@ QString preferencesPath() {
            QStringLiteral("/kelvara/kelvara.conf");
 }
 
-/// Where the user's presets are kept.
-kelvara::FileURL presetFolder(const QString& data) {
-    return kelvara::FileURL::standardized(QFile::encodeName(data).toStdString())
-        .child("kelvara")
-        .child("Presets");
+/// Where the application keeps what is the user's: presets and edits.
+kelvara::FileURL dataFolder(const QString& data) {
+    return kelvara::FileURL::standardized(QFile::encodeName(data).toStdString()).child("kelvara");
 }
 
 constexpr std::string_view appearanceKey = "lastAppearance";
@@ -160,7 +158,7 @@ int main(int argumentCount, char** argumentValues) {
         {.folder = arguments.folder,
          .preferencesPath =
              takesScreenshots ? scratch.filePath(QStringLiteral("kelvara.conf")) : preferencesPath(),
-         .presetFolder = presetFolder(
+         .dataFolder = dataFolder(
              takesScreenshots ? scratch.path()
                               : QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)),
          .countsUsage = !takesScreenshots}};

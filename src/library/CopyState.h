@@ -24,6 +24,12 @@ struct CopyFailed {
     return total > 0 ? std::clamp(completed / total, 0.0, 1.0) : 0.0;
 }
 
-using CopyState = std::variant<CopyIdle, CopyService::Progress, CopyService::Report, CopyFailed>;
+/// The user is choosing how photos are exported.
+struct ConfiguringExport {
+    friend bool operator==(const ConfiguringExport&, const ConfiguringExport&) = default;
+};
+
+using CopyState =
+    std::variant<CopyIdle, CopyService::Progress, CopyService::Report, CopyFailed, ConfiguringExport>;
 
 } // namespace kelvara

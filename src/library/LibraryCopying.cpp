@@ -57,7 +57,10 @@ void LibraryViewModel::chooseCopyDestination(std::function<void()> onChosen) {
         });
 }
 
-void LibraryViewModel::startCopy() {
+void LibraryViewModel::startCopy(std::optional<CopyService::Export> exportAs,
+                                 std::optional<SharePicker::Anchor> sharingFrom) {
+    static_cast<void>(exportAs);
+    static_cast<void>(sharingFrom);
     if (isCopying()) return;
     if (m_checked.empty() || isDeleting()) { // a file that goes can't be copied
         m_services.desktop.beep();

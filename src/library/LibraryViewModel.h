@@ -10,6 +10,7 @@
 #include "model/Observable.h"
 #include "model/Rating.h"
 #include "model/VolumeInfo.h"
+#include "platform/SharePicker.h"
 #include "services/XMPService.h"
 
 #include <functional>
@@ -60,6 +61,7 @@ enum class LibraryProperty {
     verifiesCopies,
     copyState,
     copyInterruption,
+    exportSettings,
     pendingDeletion,
     deleteError,
     deletesPairedFiles,
@@ -94,6 +96,10 @@ struct LibraryServices {
     FolderChooser& folderChooser;
     Desktop& desktop;
     AnalyticsClient& analytics; ///< Asks the user's settings itself.
+    /// Hands the files of an export for sharing over; see `startCopy`.
+    std::function<void(std::vector<FileURL>, const SharePicker::Anchor&, const std::optional<ExportLook>&)>
+        onShare{};
+    std::function<Result<FileURL, FileError>()> makeShareFolder{}; ///< For such files. Background.
     std::function<void()> emptyImageCaches;
     std::string collationLocale; ///< See `NameOrder`.
 };
@@ -252,8 +258,10 @@ public:
     [[nodiscard]] bool isCopyVerified() const { return m_copyJob.verifies; }
     /// Why the running or last copy was stopped from outside; empty when it was not.
     [[nodiscard]] const std::string& copyInterruption() const { return m_copyInterruption; }
-    /// Copies the marked items, asking for a folder first where none is known.
-    void startCopy();
+    /// Copies the marked items, or exports `exportItems`, asking for a folder first where none is known.
+    /// With `sharingFrom` the exported files go to a temporary folder, and when they are made to `onShare`.
+    void startCopy(std::optional<CopyService::Export> exportAs = {},
+                   std::optional<SharePicker::Anchor> sharingFrom = {});
     /// Files in progress finish, no other begins.
     void cancelCopy();
     void dismissCopy();
@@ -263,6 +271,19 @@ public:
     void unmarkCopiedPhotos();
     /// Asks for a folder; `onChosen` follows when one was chosen.
     void chooseCopyDestination(std::function<void()> onChosen = {});
+
+    // Exporting
+
+    [[nodiscard]] const ExportSettings& exportSettings() const { return m_exportSettings; }
+    /// Remembered at once.
+    void setExportSettings(const ExportSettings& settings);
+    /// Opens the options of an export of these photos with this look, unless a copy runs.
+    void showExportOptions(std::vector<PhotoItem> items, std::optional<ExportLook> look);
+    /// What the export works on, and the look it would have; empty when there is none.
+    [[nodiscard]] const std::vector<PhotoItem>& exportItems() const { return m_exportItems; }
+    [[nodiscard]] const std::optional<ExportLook>& pendingExportLook() const { return m_pendingExportLook; }
+    /// What the running or last job exports; empty for a copy.
+    [[nodiscard]] const std::optional<CopyService::Export>& copyExport() const { return m_copyExport; }
 
     // Deleting
 
@@ -410,6 +431,11 @@ private:
     std::string m_copyInterruption;
     std::stop_source m_copyStop;
     std::unordered_set<PhotoItem> m_copiedItems; // of the source, in this session
+
+    ExportSettings m_exportSettings;
+    std::vector<PhotoItem> m_exportItems;
+    std::optional<ExportLook> m_pendingExportLook;
+    std::optional<CopyService::Export> m_copyExport;
 
     std::optional<std::vector<PhotoItem>> m_pendingDeletion;
     bool m_pendingIsPermanent = false;

@@ -1,13 +1,16 @@
 #pragma once
 
+#include "model/ExportSettings.h"
 #include "model/PhotoItem.h"
 #include "model/Rating.h"
 #include "model/Result.h"
 #include "platform/FileSystem.h"
+#include "presets/ExportLook.h"
 
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -25,6 +28,15 @@ namespace kelvara {
 /// Holds no state; both steps block, so they are called off the main thread.
 class CopyService {
 public:
+    /// Asks for new image files instead of copies.
+    struct Export {
+        std::optional<ExportLook> look; ///< Ignored unless the settings apply looks.
+        ExportSettings settings;
+
+        /// "JPEG with “Warm 65%” + Edits applied", or "JPEG".
+        [[nodiscard]] std::string title() const;
+    };
+
     struct PlanRequest {
         std::vector<PhotoItem> items;
         FileURL destination;
@@ -34,6 +46,7 @@ public:
         bool createsFolders = true;   ///< Off for a plan that is only looked at.
         bool verifies = false; ///< Read each copy back and compare it with what was read of the source;
                                ///< compare files that are there already with the items too.
+        std::optional<Export> exportAs{}; ///< One file a shot; never verified, never skipped.
     };
 
     /// One planned file.
@@ -46,7 +59,13 @@ public:
         struct SkipExisting {
             friend bool operator==(const SkipExisting&, const SkipExisting&) = default;
         };
-        using Action = std::variant<Copy, SkipExisting>;
+        /// A new image file is made of the source; the plan's `size` stays the source's.
+        struct Render {
+            std::shared_ptr<const DevelopPreset> preset; ///< With the photo's edits; null for as it is.
+            ExportSettings settings;
+            friend bool operator==(const Render&, const Render&) = default;
+        };
+        using Action = std::variant<Copy, SkipExisting, Render>;
 
         FileURL source;
         FileURL destination; ///< The final place, no other plan's.
@@ -98,10 +117,11 @@ public:
         };
 
         FileURL destination;
-        std::int64_t copied = 0;
+        std::int64_t copied = 0; ///< Or exported.
         std::int64_t skipped = 0;
-        std::int64_t renamed = 0;      ///< Copied under another name than the source's.
-        std::vector<Failure> failures; ///< In the order in which the files finished.
+        std::int64_t renamed = 0;        ///< Copied under another name than the source's.
+        std::vector<Failure> failures;   ///< In the order in which the files finished.
+        std::vector<FileURL> exported{}; ///< What was exported, in the order of the plans.
         std::int64_t copiedBytes = 0;
         std::chrono::nanoseconds duration{};
         bool wasCancelled = false; ///< Some plans were never begun.
@@ -117,6 +137,8 @@ public:
 
     /// Files that are copied at once.
     static constexpr std::size_t maximumInFlight = 3;
+    /// Photos that are exported at once: each takes the memory of a few pictures.
+    static constexpr std::size_t maximumRendersInFlight = 2;
 
     /// `files` outlives it.
     CopyService(FileSystem& files, SidecarWriter writeSidecar)

@@ -45,20 +45,19 @@ std::vector<FileURL> foreignPaths(const QDropEvent& event) {
 
 } // namespace
 
-RootView::RootView(LibraryViewModel& library, PresetStore& presets, Preferences& preferences,
-                   Desktop& desktop, SideWindows& sideWindows, PhotoCanvases canvases,
-                   std::function<void(const FileURL&)> onDrop)
-    : m_library{library}, m_presets{presets}, m_preferences{preferences}, m_desktop{desktop},
-      m_sideWindows{sideWindows}, m_onDrop{std::move(onDrop)}, m_thumbnails{canvases.thumbnails} {
+RootView::RootView(const Services& services, PhotoCanvases canvases)
+    : m_library{services.library}, m_presets{services.presets}, m_edits{services.edits},
+      m_preferences{services.preferences}, m_desktop{services.desktop},
+      m_sideWindows{services.sideWindows}, m_onDrop{services.onDrop}, m_thumbnails{canvases.thumbnails} {
     setMinimumSize(smallestSize);
     setAcceptDrops(true);
-    m_menu = new MainMenu{library, this};
+    m_menu = new MainMenu{m_library, this};
     connect(m_menu, &MainMenu::chosen, this, &RootView::perform);
     m_splitter = new QSplitter{Qt::Horizontal, this};
     m_splitter->setHandleWidth(1);
     m_splitter->setChildrenCollapsible(false);
-    m_content = new LibraryContentView{library, preferences, std::move(canvases)};
-    auto* sidebar = new SourceSidebar{library, desktop};
+    m_content = new LibraryContentView{m_library, m_preferences, std::move(canvases)};
+    auto* sidebar = new SourceSidebar{m_library, m_desktop};
     connect(sidebar, &SourceSidebar::supportRequested, this,
             [this] { perform({WindowCommand::Kind::showSupport}); });
     m_splitter->addWidget(sidebar);
@@ -79,9 +78,9 @@ RootView::RootView(LibraryViewModel& library, PresetStore& presets, Preferences&
     m_closingFrame = new Sheet{this};
     m_presetFrame = new Sheet{this};
     m_frameGuard = new WindowFrameGuard{*this};
-    m_copySheet = new CopySheet{library, desktop, *m_copySheetFrame, this};
-    m_closingSheet = new ClosingSheet{library, *m_closingFrame, *this};
-    m_presetSheets = new PresetSheets{presets, *m_presetFrame, this};
+    m_copySheet = new CopySheet{m_library, m_desktop, *m_copySheetFrame, this};
+    m_closingSheet = new ClosingSheet{m_library, *m_closingFrame, *this};
+    m_presetSheets = new PresetSheets{m_presets, *m_presetFrame, this};
     for (auto* sheet : {m_copySheetFrame, m_deleteSheetFrame, m_alertFrame, m_closingFrame, m_presetFrame}) {
         connect(sheet, &Sheet::didShowOrHide, m_menu, [this] {
             m_menu->setEnabled(!hasSheet());

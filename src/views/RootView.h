@@ -12,6 +12,7 @@ class ClosingSheet;
 class CopySheet;
 class DeleteSheet;
 class DropFrame;
+class EditStore;
 class MainMenu;
 class PresetSheets;
 class PresetStore;
@@ -25,10 +26,19 @@ class RootView : public QWidget {
     Q_OBJECT
 
 public:
-    /// `onDrop` is told the path that a person dropped onto the window; it may be a file. References outlive
-    /// the window.
-    RootView(LibraryViewModel& library, PresetStore& presets, Preferences& preferences, Desktop& desktop,
-             SideWindows& sideWindows, PhotoCanvases canvases, std::function<void(const FileURL&)> onDrop);
+    /// What the window works with; everything outlives it.
+    struct Services {
+        LibraryViewModel& library;
+        PresetStore& presets;
+        EditStore& edits;
+        Preferences& preferences;
+        Desktop& desktop;
+        SideWindows& sideWindows;
+        std::function<void(const FileURL&)>
+            onDrop; ///< A person dropped a path onto the window, maybe of a file.
+    };
+
+    RootView(const Services& services, PhotoCanvases canvases);
 
     [[nodiscard]] bool isSettled() const;
     void perform(const WindowCommand& command);
@@ -72,6 +82,7 @@ private:
 
     LibraryViewModel& m_library;
     PresetStore& m_presets;
+    EditStore& m_edits;
     Preferences& m_preferences;
     Desktop& m_desktop;
     SideWindows& m_sideWindows;

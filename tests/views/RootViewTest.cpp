@@ -2,6 +2,7 @@
 
 #include "library/LibraryFixture.h"
 #include "library/Settings.h"
+#include "presets/EditStore.h"
 #include "views/KeyboardShortcutsView.h"
 #include "views/MainMenu.h"
 #include "views/SearchField.h"
@@ -43,13 +44,18 @@ protected:
         m_grid = makeCanvas();
         m_loupe = makeCanvas();
         m_window = std::make_unique<RootView>(
-            *m_library, m_presets.store, m_preferences, m_desktop, m_sideWindows,
+            RootView::Services{.library = *m_library,
+                               .presets = m_presets.store,
+                               .edits = m_edits,
+                               .preferences = m_preferences,
+                               .desktop = m_desktop,
+                               .sideWindows = m_sideWindows,
+                               .onDrop = [this](const FileURL& path) { m_dropped = path; }},
             PhotoCanvases{.grid = m_grid,
                           .setThumbnailSize = [this](double side) { m_thumbnailSize = side; },
                           .isGridLoading = [] { return false; },
                           .loupe = m_loupe,
-                          .isLoupeLoading = [] { return true; }},
-            [this](const FileURL& path) { m_dropped = path; });
+                          .isLoupeLoading = [] { return true; }});
         m_window->show();
         m_window->activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
@@ -77,6 +83,8 @@ protected:
     double m_thumbnailSize = 0;
     FileURL m_dropped;
     TestPresets m_presets{services()};
+    EditStore m_edits{services().files, m_presets.folder / "Edits.json", m_sidecarWrites, m_main,
+                      [](auto, const auto&) {}};
     Settings m_settings{m_preferences};
     SideWindows m_sideWindows{m_settings, QUrl{}};
     std::unique_ptr<RootView> m_window;
