@@ -19,6 +19,7 @@
 #include "platform/linux/QtMainExecutor.h"
 #include "platform/linux/SettingsPreferences.h"
 #include "platform/linux/UDisksVolumes.h"
+#include "presets/EditHistory.h"
 #include "presets/EditStore.h"
 #include "presets/PresetRenderer.h"
 #include "presets/PresetStore.h"
@@ -36,6 +37,7 @@
 
 namespace kelvara {
 
+class EditInspector;
 class LoupeView;
 class PhotoGridView;
 class PresetInspector;
@@ -91,6 +93,7 @@ private:
     PresetRenderer m_presetRenderer;
     ThreadPool m_editWrites;
     EditStore m_edits;
+    EditHistory m_editHistory{m_edits};
     ThreadPool m_sidecarWrites;
     SideWindows m_sideWindows;
     std::unique_ptr<LibraryViewModel> m_library;
@@ -98,6 +101,7 @@ private:
     PhotoGridView* m_grid = nullptr;              // the window's
     LoupeView* m_loupe = nullptr;                 // the window's
     PresetInspector* m_presetInspector = nullptr; // the window's
+    EditInspector* m_editInspector = nullptr;     // the window's
     std::unique_ptr<CopyActivity> m_copyActivity;
     std::unique_ptr<ScreenColorSpaceObserver> m_screenColors;
     Subscription m_gridInfo;

@@ -1,12 +1,15 @@
 #include "app/Screenshots.h"
 
+#include "presets/EditHistory.h"
 #include "presets/PresetStore.h"
+#include "views/HistogramView.h"
 #include "views/SideWindow.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QPixmap>
 
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <utility>
@@ -49,6 +52,22 @@ void leavePresets(LibraryViewModel& library, RootView& root) {
     root.presets().setSearchText({});
     root.presets().select({});
     root.presets().setAmount(1);
+    library.toggleInspector(InspectorTab::info);
+    library.showGrid();
+}
+
+void showEdits(LibraryViewModel& library, RootView& root) {
+    openPhoto(library, root);
+    if (library.inspectorTab() != InspectorTab::edit) library.toggleInspector(InspectorTab::edit);
+    LightAdjustments light;
+    const std::array amounts{0.6, 12.0, -45.0, 38.0, 14.0, -10.0};
+    for (const auto slider : LightAdjustments::sliders)
+        light.set(slider, amounts[static_cast<std::size_t>(slider)]);
+    root.edits().setAutomatic(light, library.focusedID());
+}
+
+void leaveEdits(LibraryViewModel& library, RootView& root) {
+    root.edits().reset(library.focusedID());
     library.toggleInspector(InspectorTab::info);
     library.showGrid();
 }
@@ -156,6 +175,18 @@ std::vector<Screenshots::State> Screenshots::allStates() {
              root.presets().setSearchText("sunset");
          },
          leavePresets},
+        {QStringLiteral("edit"), showEdits, leaveEdits},
+        {QStringLiteral("edit-clipping"),
+         [](auto& library, auto& root) {
+             showEdits(library, root);
+             root.edits().setSlider(LightAdjustments::Slider::exposure, 2, library.focusedID());
+             root.edits().setSlider(LightAdjustments::Slider::contrast, 100, library.focusedID());
+             for (auto* mark : root.template findChildren<ClippingMark*>()) mark->setChecked(true);
+         },
+         [](auto& library, auto& root) {
+             for (auto* mark : root.template findChildren<ClippingMark*>()) mark->setChecked(false);
+             leaveEdits(library, root);
+         }},
         window(QStringLiteral("settings"), Kind::showSettings),
         window(QStringLiteral("shortcuts"), Kind::showShortcuts),
         window(QStringLiteral("support"), Kind::showSupport),

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/LibraryViewModel.h"
+#include "presets/EditHistory.h"
 #include "views/CommandMenu.h"
 
 #include <QMenuBar>
@@ -12,8 +13,8 @@ class MainMenu : public QMenuBar {
     Q_OBJECT
 
 public:
-    /// `window` is the main window; the library outlives the menus.
-    MainMenu(LibraryViewModel& library, QWidget* window);
+    /// `window` is the main window; the others outlive the menus.
+    MainMenu(LibraryViewModel& library, EditHistory& edits, QWidget* window);
 
     void openFirst();
     void refresh();
@@ -25,11 +26,13 @@ private:
     CommandMenu* add(CommandMenu* menu);
     void addApplicationMenu();
     void addFileMenu();
+    void addEditMenu();
     void addViewMenu();
 
     LibraryViewModel& m_library;
+    EditHistory& m_edits;
     std::vector<CommandMenu*> m_menus;
-    Subscription m_subscription;
+    std::vector<Subscription> m_subscriptions;
 };
 
 } // namespace kelvara

@@ -2,6 +2,8 @@
 
 #include "platform/Desktop.h"
 #include "platform/Preferences.h"
+#include "presets/EditHistory.h"
+#include "presets/EditStore.h"
 #include "views/ClosingSheet.h"
 #include "views/CopySheet.h"
 #include "views/DeleteSheet.h"
@@ -47,11 +49,11 @@ std::vector<FileURL> foreignPaths(const QDropEvent& event) {
 
 RootView::RootView(const Services& services, PhotoCanvases canvases)
     : m_library{services.library}, m_presets{services.presets}, m_edits{services.edits},
-      m_preferences{services.preferences}, m_desktop{services.desktop},
+      m_editHistory{services.editHistory}, m_preferences{services.preferences}, m_desktop{services.desktop},
       m_sideWindows{services.sideWindows}, m_onDrop{services.onDrop}, m_thumbnails{canvases.thumbnails} {
     setMinimumSize(smallestSize);
     setAcceptDrops(true);
-    m_menu = new MainMenu{m_library, this};
+    m_menu = new MainMenu{m_library, m_editHistory, this};
     connect(m_menu, &MainMenu::chosen, this, &RootView::perform);
     m_splitter = new QSplitter{Qt::Horizontal, this};
     m_splitter->setHandleWidth(1);
@@ -273,8 +275,14 @@ void RootView::perform(const WindowCommand& command) {
         return m_sideWindows.show(SideWindows::Identifier::shortcuts, *this);
     case Kind::showSupport:
         return m_sideWindows.show(SideWindows::Identifier::support, *this);
+    case Kind::undo:
+        return showEdited(m_editHistory.undo());
+    case Kind::redo:
+        return showEdited(m_editHistory.redo());
     case Kind::copyEdits:
+        return copyEdits();
     case Kind::pasteEdits:
+        return m_editHistory.paste(editTargets(m_library));
     case Kind::share:
         return; // see commandState
     case Kind::importPresets:
@@ -289,7 +297,9 @@ void RootView::showPhotoMenu(const QPoint& screenPoint) {
     auto* menu = new PhotoCommands{this};
     menu->setAttribute(Qt::WA_DeleteOnClose);
     connect(menu, &CommandMenu::chosen, this, &RootView::perform);
-    menu->refresh([this](const WindowCommand& command) { return commandState(command, m_library, *this); });
+    menu->refresh([this](const WindowCommand& command) {
+        return commandState(command, m_library, m_editHistory, *this);
+    });
     menu->popup(screenPoint);
 }
 
@@ -301,6 +311,20 @@ void RootView::stepPreset(bool forward) {
     // Nothing that shows a preset, nothing to step through.
     if (m_library.viewMode() != ViewMode::loupe && !showsPresets()) return;
     forward ? m_presets.selectNext() : m_presets.selectPrevious();
+}
+
+void RootView::copyEdits() {
+    const auto* item = m_library.focusedItem();
+    if (item && item->kind() != MediaKind::video) m_edits.copyAdjustments(item->url);
+}
+
+void RootView::showEdited(const std::vector<FileURL>& photos) {
+    const auto& focused = m_library.focusedID();
+    const auto isFocused = [&](const FileURL& photo) { return photo.stemKey() == focused.stemKey(); };
+    if (std::ranges::any_of(photos, isFocused)) return;
+    const auto isVisible = [this](const FileURL& photo) { return m_library.visibleIndex(photo).has_value(); };
+    const auto visible = std::ranges::find_if(photos, isVisible);
+    if (visible != photos.end()) m_library.setFocusedID(*visible);
 }
 
 void RootView::importPresets(std::vector<FileURL> sources) {

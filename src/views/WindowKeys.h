@@ -38,6 +38,8 @@ struct WindowCommand {
         openFolder,
         ejectSource,
         share,
+        undo,
+        redo,
         copyEdits,
         pasteEdits,
         clearMarks,
