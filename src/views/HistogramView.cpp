@@ -20,7 +20,7 @@ constexpr double noticeable = 0.0002; // of the pixels
 // Light adds up on a dark ground only, whatever the window looks like. Together the channels are grey.
 constexpr QRgb ground = 0xff161616;
 constexpr QRgb quietMark = 0xff5a5a5a;
-constexpr QRgb channelColors[]{0xff8e1e22, 0xff1c7a2c, 0xff26349c};
+constexpr QRgb channelColors[]{0xff781111, 0xff116815, 0xff112174};
 constexpr QRgb luminanceColor = 0xb0e4e4e4;
 
 /// What stands for all: high enough to show the smaller counts beside the largest.

@@ -4,6 +4,7 @@
 #include "platform/Preferences.h"
 #include "views/Controls.h"
 #include "views/LightRow.h"
+#include "views/LightValueField.h"
 #include "views/Symbols.h"
 
 #include <QBoxLayout>
@@ -15,7 +16,7 @@ LightGroup::LightGroup(Preferences& preferences, QWidget* parent)
     setAccessibleName(tr("Light"));
     auto* heading = makeHeading();
     auto* rows = new QVBoxLayout{m_rows};
-    rows->setContentsMargins(spacing::small, 0, spacing::small, 0);
+    rows->setContentsMargins(spacing::small, 0, spacing::small - LightValueField::textMargin, 0);
     rows->setSpacing(spacing::tiny);
     for (const auto slider : LightAdjustments::sliders) {
         auto* row = new LightRow{slider, m_rows};

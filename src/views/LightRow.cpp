@@ -39,7 +39,11 @@ LightRow::LightRow(LightAdjustments::Slider slider, QWidget* parent) : QWidget{p
     column->setContentsMargins({});
     column->setSpacing(0);
     column->addLayout(head);
-    column->addWidget(m_control);
+    // The number ends where the slider does, though its field doesn't.
+    auto* foot = new QHBoxLayout;
+    foot->setContentsMargins(0, 0, LightValueField::textMargin, 0);
+    foot->addWidget(m_control);
+    column->addLayout(foot);
 }
 
 void LightRow::showAmount(double amount) {

@@ -199,8 +199,8 @@ void LightSlider::paintEvent(QPaintEvent*) {
     auto track = theme.text;
     track.setAlpha(theme.isDark() ? 0x26 : 0x22);
     painter.setBrush(track);
-    painter.drawRoundedRect(QRectF{middle - span(), y - trackHeight / 2, 2 * span(), trackHeight},
-                            trackHeight / 2, trackHeight / 2);
+    painter.drawRoundedRect(QRectF{0, y - trackHeight / 2, double(width()), trackHeight}, trackHeight / 2,
+                            trackHeight / 2);
     painter.drawRect(QRectF{middle - 0.5, y - 5, 1, 10});
     const auto handle = handleAt();
     painter.setBrush(isEnabled() ? theme.accent : theme.tertiaryText);

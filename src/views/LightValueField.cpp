@@ -14,8 +14,6 @@ namespace kelvara {
 
 namespace {
 
-constexpr int textMargin = 5; // as the style sheet has it
-
 double digitWidth(const QFontMetricsF& metrics) {
     double width = 0;
     for (char16_t digit = u'0'; digit <= u'9'; ++digit)

@@ -12,6 +12,8 @@ class LightValueField : public QLineEdit {
     Q_OBJECT
 
 public:
+    static constexpr int textMargin = 5; ///< As the style sheet has it.
+
     explicit LightValueField(LightAdjustments::Slider slider, QWidget* parent = nullptr);
 
     void showAmount(double amount);
