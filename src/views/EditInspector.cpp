@@ -130,7 +130,7 @@ void EditInspector::refresh() {
     m_light->show(m_edits.store().adjustments(url));
     const auto paste = commandState({Kind::pasteEdits}, m_library, m_edits, *window());
     m_paste->setEnabled(paste.isEnabled);
-    m_paste->setToolTip(paste.title + QStringLiteral(" (⌘⇧V)"));
+    m_paste->setToolTip(tr("%1 (⌘⇧V)").arg(paste.title));
     m_before->setEnabled(m_loupe.canShowBefore());
     m_before->setChecked(m_loupe.showsBefore());
 }

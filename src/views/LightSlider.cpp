@@ -27,8 +27,11 @@ double fineStep(Light::Slider slider) { return slider == Light::Slider::exposure
 double plainStep(Light::Slider slider) { return slider == Light::Slider::exposure ? 0.05 : 1; }
 double largeStep(Light::Slider slider) { return slider == Light::Slider::exposure ? 0.25 : 10; }
 
+/// Some window managers keep Alt and the mouse to themselves.
+bool isFine(Qt::KeyboardModifiers modifiers) { return modifiers & (Qt::AltModifier | Qt::ControlModifier); }
+
 double stepOf(Light::Slider slider, Qt::KeyboardModifiers modifiers) {
-    if (modifiers.testFlag(Qt::AltModifier)) return fineStep(slider);
+    if (isFine(modifiers)) return fineStep(slider);
     return modifiers.testFlag(Qt::ShiftModifier) ? largeStep(slider) : plainStep(slider);
 }
 
@@ -91,9 +94,8 @@ double LightSlider::span() const { return std::max(1.0, width() / 2.0 - handleRa
 double LightSlider::handleAt() const { return width() / 2.0 + m_amount / Light::limit(m_slider) * span(); }
 
 double LightSlider::atStep(double amount, Qt::KeyboardModifiers modifiers) const {
-    const auto isFine = modifiers.testFlag(Qt::AltModifier);
-    if (!isFine && std::abs(amount) < neutralReach / span() * Light::limit(m_slider)) return 0;
-    const auto step = isFine ? fineStep(m_slider) : plainStep(m_slider);
+    if (!isFine(modifiers) && std::abs(amount) < neutralReach / span() * Light::limit(m_slider)) return 0;
+    const auto step = isFine(modifiers) ? fineStep(m_slider) : plainStep(m_slider);
     return std::round(amount / step) * step;
 }
 
@@ -117,8 +119,7 @@ void LightSlider::mousePressEvent(QMouseEvent* event) {
     m_pointer = event->position().x();
     m_dragged = m_amount;
     // Beside the handle it goes there and is held, so that one can drag from anywhere.
-    const auto isFine = event->modifiers().testFlag(Qt::AltModifier);
-    if (!isFine && std::abs(m_pointer - handleAt()) > handleRadius + 2) {
+    if (!isFine(event->modifiers()) && std::abs(m_pointer - handleAt()) > handleRadius + 2) {
         m_dragged = (m_pointer - width() / 2.0) / span() * Light::limit(m_slider);
         moveTo(atStep(m_dragged, event->modifiers()));
     }
@@ -128,9 +129,8 @@ void LightSlider::mousePressEvent(QMouseEvent* event) {
 
 void LightSlider::mouseMoveEvent(QMouseEvent* event) {
     if (!isSliderDown()) return;
-    const auto isFine = event->modifiers().testFlag(Qt::AltModifier);
     const auto way = event->position().x() - std::exchange(m_pointer, event->position().x());
-    m_dragged += way / span() * Light::limit(m_slider) * (isFine ? fineShare : 1);
+    m_dragged += way / span() * Light::limit(m_slider) * (isFine(event->modifiers()) ? fineShare : 1);
     moveTo(atStep(m_dragged, event->modifiers()));
 }
 

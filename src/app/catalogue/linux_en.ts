@@ -49,6 +49,17 @@
     </message>
 </context>
 <context>
+    <name>kelvara::EditInspector</name>
+    <message>
+        <source>Copy this photo's edits (⌘⇧C)</source>
+        <translation>Copy this photo's edits (Ctrl+Shift+C)</translation>
+    </message>
+    <message>
+        <source>%1 (⌘⇧V)</source>
+        <translation>%1 (Ctrl+Shift+V)</translation>
+    </message>
+</context>
+<context>
     <name>kelvara::GridStatusBar</name>
     <message>
         <source>⇧-click a photo to mark every photo up to it</source>
@@ -88,6 +99,13 @@
     <message>
         <source>⌘⇧C  ⌘⇧V</source>
         <translation>Ctrl+Shift+C  Ctrl+Shift+V</translation>
+    </message>
+</context>
+<context>
+    <name>kelvara::LightRow</name>
+    <message>
+        <source>Double-click resets; ⌥-drag for fine changes</source>
+        <translation>Double-click resets; Ctrl+drag for fine changes</translation>
     </message>
 </context>
 <context>
