@@ -1,5 +1,6 @@
 #pragma once
 
+#include "presets/EditStore.h"
 #include "presets/PresetTestFiles.h"
 #include "support/FakeFolderWatch.h"
 #include "views/LoupeInfoBar.h"
@@ -29,7 +30,7 @@ protected:
         settle();
         m_library->toggleViewMode();
         m_loupe = std::make_unique<LoupeView>(*m_library, m_thumbnails, m_previews, m_metadata, *m_presets,
-                                              m_renderer, m_rendering, m_main);
+                                              m_edits, m_renderer, m_rendering, m_main);
         m_loupe->resize(400, 400);
         m_loupe->show();
         QCoreApplication::processEvents();
@@ -63,6 +64,8 @@ protected:
     TemporaryFolder m_presetFolder;
     FakeFolderWatch m_presetWatch;
     std::unique_ptr<PresetStore> m_presets;
+    EditStore m_edits{m_files, m_presetFolder / "Edits.json", m_sidecarWrites, m_main,
+                      [](auto, const auto&) {}};
     ManualExecutor m_drawing; ///< Of presets.
     PresetRenderer m_renderer{m_drawing, m_main};
     std::unique_ptr<LoupeView> m_loupe;

@@ -2,6 +2,7 @@
 
 #include "library/LibraryFixture.h"
 #include "library/Settings.h"
+#include "presets/EditHistory.h"
 #include "presets/EditStore.h"
 #include "views/KeyboardShortcutsView.h"
 #include "views/MainMenu.h"
@@ -47,6 +48,7 @@ protected:
             RootView::Services{.library = *m_library,
                                .presets = m_presets.store,
                                .edits = m_edits,
+                               .editHistory = m_history,
                                .preferences = m_preferences,
                                .desktop = m_desktop,
                                .sideWindows = m_sideWindows,
@@ -85,6 +87,7 @@ protected:
     TestPresets m_presets{services()};
     EditStore m_edits{services().files, m_presets.folder / "Edits.json", m_sidecarWrites, m_main,
                       [](auto, const auto&) {}};
+    EditHistory m_history{m_edits};
     Settings m_settings{m_preferences};
     SideWindows m_sideWindows{m_settings, QUrl{}};
     std::unique_ptr<RootView> m_window;
