@@ -1,5 +1,7 @@
+#include "cli/AutoToneCommand.h"
 #include "cli/CopyCommand.h"
 #include "cli/DeleteCommand.h"
+#include "cli/EditsCommand.h"
 #include "cli/ListCommand.h"
 #include "cli/LookCommand.h"
 #include "cli/MetadataCommand.h"
@@ -41,6 +43,8 @@ int main(int argc, char** argv) {
     commands.push_back(std::make_unique<PresetCommand>(app));
     commands.push_back(std::make_unique<LookCommand>(app, files));
     commands.push_back(std::make_unique<RenderCommand>(app, files));
+    commands.push_back(std::make_unique<AutoToneCommand>(app));
+    commands.push_back(std::make_unique<EditsCommand>(app, files));
 #ifdef KELVARA_CLI_VOLUMES
     commands.push_back(std::make_unique<VolumesCommand>(app));
     commands.push_back(std::make_unique<EjectCommand>(app));

@@ -107,7 +107,7 @@ Result<std::unique_ptr<FileLock>, FileError> LinuxFileSystem::lock(const FileURL
         if (Clock::now() >= end) return Failure{fileError(url, EBUSY)};
         std::this_thread::sleep_for(std::chrono::milliseconds{2});
     }
-    return std::make_unique<HeldLock>(std::move(file));
+    return std::unique_ptr<FileLock>{new HeldLock{std::move(file)}};
 }
 
 Result<void, FileError> LinuxFileSystem::writeFileAtomically(const FileURL& url, std::string_view bytes) {
