@@ -113,7 +113,7 @@ def main():
         photos = sorted(card.glob("DCIM/100KELVA/KEL*.JPG"))[:14]
         assert len(photos) >= 10
         for photo in photos:
-            for settings in (None, {"Exposure2012": -2.0}, random_settings(chance)):
+            for settings in (None, {"Exposure2012": -4.0}, random_settings(chance)):
                 amount = chance.choice((1, 0.5, chance.random()))
                 arguments = [program, "auto-tone", photo, "--json"]
                 if settings is not None:
