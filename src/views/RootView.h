@@ -18,7 +18,6 @@ class PresetSheets;
 class PresetStore;
 class Sheet;
 class SideWindows;
-class ThumbnailService;
 class WindowFrameGuard;
 
 /// The main window: the sources at the left, their photos at the right.
@@ -87,7 +86,7 @@ private:
     Desktop& m_desktop;
     SideWindows& m_sideWindows;
     std::function<void(const FileURL&)> m_onDrop;
-    ThumbnailService* m_thumbnails; // may be none
+    std::optional<ThumbnailSources> m_thumbnails;
     MainMenu* m_menu;
     QSplitter* m_splitter;
     LibraryContentView* m_content;
