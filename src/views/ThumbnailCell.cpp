@@ -22,9 +22,7 @@ using Style = ThumbnailCellState::Style;
 constexpr int starSize = 12;
 constexpr int ringWidth = 2;
 constexpr int markSide = 20;
-constexpr int badgeMargin = 5;
 constexpr int badgePadding = 3;
-constexpr int badgeSymbolSide = 12;
 constexpr int roomForStars = 160; // a cell this wide has stars beside the name
 constexpr int roomForWords = 120; // a cell this wide can say why it shows nothing
 
@@ -34,8 +32,12 @@ struct Metrics {
     int tileRadius;
     int pictureMargin;
     int markMargin;
+    int badgeMargin;
+    int badgeSymbolSide; // in the filmstrip small enough to stay above a picture of usual shape
 };
-Metrics metrics(Style style) { return style == Style::grid ? Metrics{6, 8, 6} : Metrics{4, 3, 3}; }
+Metrics metrics(Style style) {
+    return style == Style::grid ? Metrics{6, 8, 6, 5, 12} : Metrics{4, 3, 3, 2, 10};
+}
 
 QColor blend(const QColor& base, const QColor& tint, double share) {
     const auto mix = [share](int a, int b) { return static_cast<int>(std::lround(a + (b - a) * share)); };
@@ -134,11 +136,11 @@ void paintBadge(QPainter& painter, const QRect& rect, const ThumbnailCellState& 
     const auto& theme = Theme::current();
     const auto badgeFont = font(TextRole::badge);
     const QFontMetrics letters{badgeFont};
-    const auto symbolSide = symbolName.isEmpty() ? 0 : badgeSymbolSide;
+    const auto symbolSide = symbolName.isEmpty() ? 0 : metrics(state.style).badgeSymbolSide;
     const auto between = symbolName.isEmpty() || badge.isEmpty() ? 0 : badgePadding;
     const auto width = letters.horizontalAdvance(badge) + between + symbolSide + 2 * badgePadding;
-    const auto height = isGrid ? letters.height() + 3 : badgeSymbolSide + 2;
-    const auto margin = isGrid ? badgeMargin : metrics(state.style).markMargin;
+    const auto height = isGrid ? letters.height() + 3 : symbolSide + 2;
+    const auto margin = metrics(state.style).badgeMargin;
     const QRect pill{rect.right() + 1 - margin - width, rect.top() + margin, width, height};
     // In the tile's colour, so that it is a label on the mount and still readable over a picture.
     auto ground = tileColor(state);
