@@ -44,6 +44,7 @@ public:
     /// What can be done with the focused photo, as a menu beside it.
     void showPhotoMenu(const QPoint& screenPoint);
     [[nodiscard]] PresetStore& presets() { return m_presets; }
+    [[nodiscard]] EditStore& edits() { return m_edits; }
     /// Asks which files of presets, or which folder of them, to import.
     void choosePresetFiles();
     void choosePresetFolder();
