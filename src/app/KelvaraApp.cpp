@@ -109,11 +109,12 @@ KelvaraApp::KelvaraApp(const Options& options)
 KelvaraApp::~KelvaraApp() = default;
 
 PhotoCanvases KelvaraApp::makeCanvases() {
-    m_grid = new PhotoGridView{*m_library, m_images.thumbnails(), m_images.metadata(), m_preferences};
+    const ThumbnailSources thumbnails{m_images.thumbnails(), m_edits, m_images.thumbnailRenderer()};
+    m_grid = new PhotoGridView{*m_library, thumbnails, m_images.metadata(), m_preferences};
     m_gridInfo =
         m_settings.observe({Setting::gridShowsInfo}, [this](const auto&) { m_grid->readPreferences(); });
-    m_loupe = new LoupeView{*m_library, m_images.thumbnails(), m_images.previews(),  m_images.metadata(),
-                            m_presets,  m_presetRenderer,      m_images.rendering(), m_main};
+    m_loupe = new LoupeView{*m_library, thumbnails,       m_images.previews(),  m_images.metadata(),
+                            m_presets,  m_presetRenderer, m_images.rendering(), m_main};
     auto* info = new MetadataInspector{*m_library, m_images.metadata()};
     m_presetInspector =
         new PresetInspector{*m_library, m_presets, m_images.thumbnails(), m_images.presetTiles()};
@@ -126,7 +127,7 @@ PhotoCanvases KelvaraApp::makeCanvases() {
             .inspector = {.info = info, .presets = m_presetInspector},
             .isInspectorLoading =
                 [info, presets = m_presetInspector] { return info->isLoading() || presets->isLoading(); },
-            .thumbnails = &m_images.thumbnails()};
+            .thumbnails = thumbnails};
 }
 
 void KelvaraApp::connectPresets() {

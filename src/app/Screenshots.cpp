@@ -1,5 +1,6 @@
 #include "app/Screenshots.h"
 
+#include "presets/EditStore.h"
 #include "presets/PresetStore.h"
 #include "views/SideWindow.h"
 
@@ -60,6 +61,15 @@ void toggleMarks(LibraryViewModel& library) {
     }
 }
 
+/// Every other photo, brighter or darker by `exposure`.
+void editPhotos(LibraryViewModel& library, RootView& root, double exposure) {
+    LightAdjustments edits;
+    for (std::size_t index = 0; index < library.visibleItems().size(); index += 2) {
+        edits.set(LightAdjustments::Slider::exposure, exposure * (index % 4 == 0 ? 1 : -1));
+        root.edits().setAdjustments(edits, library.visibleItems()[index].url);
+    }
+}
+
 SideWindow* sideWindow() {
     for (auto* window : QApplication::topLevelWidgets()) {
         auto* side = qobject_cast<SideWindow*>(window);
@@ -82,6 +92,15 @@ std::vector<Screenshots::State> Screenshots::allStates() {
         {QStringLiteral("grid"), nothing, nothing},
         {QStringLiteral("marked"), [](auto& library, auto&) { toggleMarks(library); },
          [](auto& library, auto&) { library.clearMarks(); }},
+        {QStringLiteral("edited"),
+         [](auto& library, auto& root) {
+             toggleMarks(library);
+             editPhotos(library, root, 1);
+         },
+         [](auto& library, auto& root) {
+             editPhotos(library, root, 0);
+             library.clearMarks();
+         }},
         {QStringLiteral("copied"),
          [](auto& library, auto&) {
              toggleMarks(library);

@@ -6,6 +6,7 @@
 #include "services/MetadataService.h"
 #include "views/LoupePictures.h"
 #include "views/PresetPreview.h"
+#include "views/ThumbnailSources.h"
 #include "views/ZoomableImageView.h"
 
 #include <QWidget>
@@ -31,7 +32,7 @@ class LoupeView : public QWidget {
 
 public:
     /// `rendering` prepares large pictures for zooming; everything outlives it.
-    LoupeView(LibraryViewModel& library, ThumbnailService& thumbnails, PreviewService& previews,
+    LoupeView(LibraryViewModel& library, const ThumbnailSources& thumbnails, PreviewService& previews,
               MetadataService& metadata, PresetStore& presets, PresetRenderer& presetRenderer,
               Executor& rendering, Executor& main, QWidget* parent = nullptr);
     ~LoupeView() override;
@@ -72,7 +73,7 @@ private:
     /// so the last one is a good guess where the shape is the same; then zoom and position carry over.
     [[nodiscard]] static DisplaySize likelySize(const QImage& thumbnail, const ZoomSize& last);
 
-    void makeLayout(ThumbnailService& thumbnails);
+    void makeLayout(const ThumbnailSources& thumbnails);
     [[nodiscard]] QWidget* makeCannotPreview();
     void observe();
     void follow();

@@ -18,7 +18,6 @@ class PresetSheets;
 class PresetStore;
 class Sheet;
 class SideWindows;
-class ThumbnailService;
 class WindowFrameGuard;
 
 /// The main window: the sources at the left, their photos at the right.
@@ -45,6 +44,7 @@ public:
     /// What can be done with the focused photo, as a menu beside it.
     void showPhotoMenu(const QPoint& screenPoint);
     [[nodiscard]] PresetStore& presets() { return m_presets; }
+    [[nodiscard]] EditStore& edits() { return m_edits; }
     /// Asks which files of presets, or which folder of them, to import.
     void choosePresetFiles();
     void choosePresetFolder();
@@ -87,7 +87,7 @@ private:
     Desktop& m_desktop;
     SideWindows& m_sideWindows;
     std::function<void(const FileURL&)> m_onDrop;
-    ThumbnailService* m_thumbnails; // may be none
+    std::optional<ThumbnailSources> m_thumbnails;
     MainMenu* m_menu;
     QSplitter* m_splitter;
     LibraryContentView* m_content;
