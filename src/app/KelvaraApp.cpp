@@ -49,24 +49,24 @@ KelvaraApp::KelvaraApp(const Options& options)
                                                                  [this] { m_window->bringToFront(); }},
       m_locale{QLocale{}.bcp47Name().toStdString()}, m_volumeService{m_volumes, m_locale},
       m_sidecars{m_files}, m_copier{m_files, sidecarWriter(m_sidecars)}, m_shares{m_files, temporaryFolder()},
-      m_sharePicker{{.desktop = m_desktop}}, m_images{m_main}, m_memoryPressure{[this] {
+      m_images{m_main}, m_memoryPressure{[this] {
           m_images.shrinkCaches();
           m_presetRenderer.shrinkCache();
       }},
-      m_background{backgroundThreads}, m_presetWatch{m_main}, m_presets{{.files = m_files,
-                                                                         .trash = m_trash,
-                                                                         .watch = m_presetWatch,
-                                                                         .desktop = m_desktop,
-                                                                         .preferences = m_preferences,
-                                                                         .background = m_background,
-                                                                         .main = m_main,
-                                                                         .folder = options.dataFolder.child(
-                                                                             "Presets"),
-                                                                         .collationLocale = m_locale}},
+      m_background{backgroundThreads}, m_desktopSharing{m_desktop, m_background, m_main},
+      m_presetWatch{m_main}, m_presets{{.files = m_files,
+                                        .trash = m_trash,
+                                        .watch = m_presetWatch,
+                                        .desktop = m_desktop,
+                                        .preferences = m_preferences,
+                                        .background = m_background,
+                                        .main = m_main,
+                                        .folder = options.dataFolder.child("Presets"),
+                                        .collationLocale = m_locale}},
       m_presetRenderer{m_images.rendering(), m_main}, m_editWrites{1, ThreadPool::AtEnd::finish},
       m_edits{m_files, options.dataFolder.child("Edits.json"), m_editWrites, m_main, callLater},
       m_sidecarWrites{1, ThreadPool::AtEnd::finish}, m_sharing{{.shares = m_shares,
-                                                                .picker = m_sharePicker,
+                                                                .picker = m_desktopSharing.picker(),
                                                                 .settings = m_settings,
                                                                 .analytics = m_analytics,
                                                                 .background = m_background,
@@ -107,7 +107,7 @@ KelvaraApp::KelvaraApp(const Options& options)
                            .onDrop = [this](const FileURL& path) { openDropped(path); }},
         makeCanvases());
     m_folderChooser.setWindow(m_window.get());
-    m_sharePicker.setWindow(m_window.get());
+    m_desktopSharing.picker().setWindow(m_window.get());
     QObject::connect(m_grid, &PhotoGridView::photoMenuRequested, m_window.get(), &RootView::showPhotoMenu);
     QObject::connect(m_loupe, &LoupeView::photoMenuRequested, m_window.get(), &RootView::showPhotoMenu);
     m_copyActivity =

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/CopyActivity.h"
+#include "app/DesktopSharing.h"
 #include "app/ImageServices.h"
 #include "app/ScreenColorSpaceObserver.h"
 #include "async/ThreadPool.h"
@@ -29,7 +30,6 @@
 #include "services/XMPService.h"
 #include "views/FolderChooserDialog.h"
 #include "views/RootView.h"
-#include "views/SharePickerMenu.h"
 #include "views/SideWindows.h"
 
 #include <QString>
@@ -87,10 +87,10 @@ private:
     XMPService m_sidecars;
     CopyService m_copier;
     ShareService m_shares;
-    SharePickerMenu m_sharePicker;
     ImageServices m_images;
     MemoryPressure m_memoryPressure;
     ThreadPool m_background;
+    DesktopSharing m_desktopSharing;
     LinuxFolderWatch m_presetWatch;
     PresetStore m_presets;
     PresetRenderer m_presetRenderer;
