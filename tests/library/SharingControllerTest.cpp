@@ -24,9 +24,9 @@ class SharingControllerTest : public testing::Test {
 protected:
     PhotoItem photo(std::string_view path) const {
         const auto bytes = makeJpeg({.size = {96, 64}});
-        return {m_folder.write(path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()})};
+        return {m_folder.write(path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()}), 0, {}};
     }
-    PhotoItem broken(std::string_view path) const { return {m_folder.write(path, "no picture")}; }
+    PhotoItem broken(std::string_view path) const { return {m_folder.write(path, "no picture"), 0, {}}; }
     SharingController& start() {
         m_sharing = std::make_unique<SharingController>(
             SharingController::Services{m_shares, m_picker, m_settings, m_analytics, m_background, m_main});
@@ -35,7 +35,9 @@ protected:
     }
     void settle() { runAll(m_background, m_main); }
     [[nodiscard]] static ExportLook edits(const PhotoItem& photo) {
-        return {{}, {{photo.url.stemKey(), LightAdjustments{.exposure = 1}}}};
+        LightAdjustments light;
+        light.set(LightAdjustments::Slider::exposure, 1);
+        return {{}, {{photo.url.stemKey(), light}}};
     }
 
     TemporaryFolder m_folder;

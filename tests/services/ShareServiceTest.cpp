@@ -26,9 +26,9 @@ class ShareServiceTest : public testing::Test {
 protected:
     PhotoItem photo(std::string_view path, PixelSize size = {96, 64}) const {
         const auto bytes = makeJpeg({.size = size});
-        return {m_folder.write(path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()})};
+        return {m_folder.write(path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()}), 0, {}};
     }
-    PhotoItem broken(std::string_view path) const { return {m_folder.write(path, "no picture")}; }
+    PhotoItem broken(std::string_view path) const { return {m_folder.write(path, "no picture"), 0, {}}; }
     ShareService::Made make(const std::vector<PhotoItem>& photos, int longEdge = 0,
                             const std::optional<ExportLook>& look = {}) const {
         const auto made = m_shares.makeJPEGs(photos, look, longEdge, {});
@@ -80,7 +80,8 @@ TEST_F(ShareServiceTest, eachShotGivesOneJPEGWithAnEntirelyUniqueName) {
 TEST_F(ShareServiceTest, aPhotoThatCannotBeReadIsNamedAndTheOthersAreMade) {
     std::set<std::size_t> steps;
     const auto made = m_shares.makeJPEGs(
-        std::vector{photo("a.jpg"), broken("b.jpg"), broken("c.mov"), {m_folder / "d.nef"}, photo("e.jpg")},
+        std::vector{
+            photo("a.jpg"), broken("b.jpg"), broken("c.mov"), {m_folder / "d.nef", 0, {}}, photo("e.jpg")},
         {}, 100, {}, [&](std::size_t done, std::size_t total) {
             EXPECT_EQ(total, 5U);
             steps.insert(done);
@@ -101,7 +102,9 @@ TEST_F(ShareServiceTest, theLongEdgeAndTheLookAreApplied) {
         EXPECT_EQ(decoded(made.files[0])->size().width, edge) << wanted;
     }
     const auto plain = make({wide});
-    const auto bright = make({wide}, 0, ExportLook{{}, {{wide.url.stemKey(), {.exposure = 2}}}});
+    LightAdjustments light;
+    light.set(LightAdjustments::Slider::exposure, 2);
+    const auto bright = make({wide}, 0, ExportLook{{}, {{wide.url.stemKey(), light}}});
     const auto level = [&](const FileURL& file) { return decoded(file)->row(0)[1]; };
     EXPECT_GT(level(bright.files[0]), level(plain.files[0]));
 }
