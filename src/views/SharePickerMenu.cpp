@@ -10,6 +10,7 @@
 #include <QGuiApplication>
 #include <QMenu>
 #include <QMimeData>
+#include <QScreen>
 #include <QWidget>
 
 namespace kelvara {
@@ -39,6 +40,14 @@ QMimeData* pasteable(const std::vector<FileURL>& files) {
     return data;
 }
 
+/// A menu that grew while it is open may reach over the lower edge.
+void keepOnScreen(QMenu& menu) {
+    if (!menu.isVisible()) return;
+    const auto bottom = menu.screen()->availableGeometry().bottom();
+    if (menu.frameGeometry().bottom() > bottom)
+        menu.move(menu.x(), menu.y() - (menu.frameGeometry().bottom() - bottom));
+}
+
 } // namespace
 
 SharePickerMenu::~SharePickerMenu() { delete m_menu; }
@@ -59,6 +68,7 @@ void SharePickerMenu::share(std::vector<FileURL> files, const std::optional<Anch
         // The line stays where it is, so that nothing moves away under the mouse.
         looking->setText(devices.empty() ? tr("No Devices Nearby") : tr("Devices"));
         addDevices(devices, parcel);
+        keepOnScreen(*m_menu);
     });
     open(anchor);
 }

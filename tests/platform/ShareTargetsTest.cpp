@@ -266,6 +266,12 @@ TEST_F(ShareTargetsTest, bluetoothSendsOneFileAfterTheOtherAndClosesItsSession) 
     EXPECT_EQ(outcome(devices, phone, {m_first, m_first}), "The files couldn't be sent to Phone.");
     EXPECT_EQ(count("SendFile"), 3);
     ASSERT_TRUE(runUntil([&] { return count("RemoveSession") == 2; }));
+    status = "active"; // and never more
+    devices.send(phone, {m_first}, end());
+    ASSERT_TRUE(runUntil([&] { return count("SendFile") == 4; }));
+    m_serverBus.unregisterService(QStringLiteral("org.bluez.obex"));
+    EXPECT_EQ(outcome(), "The files couldn't be sent to Phone.");
+    provide("org.bluez.obex");
     m_server.answers.remove(QStringLiteral("CreateSession")); // answers without a session
     EXPECT_EQ(outcome(devices, phone, {m_first}), "The files couldn't be sent to Phone.");
 }
