@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 namespace kelvara {
 
@@ -116,6 +117,14 @@ public:
     /// Creates `folder` and what is missing above it; an existing folder is no error.
     virtual Result<void, FileError> createFolders(const FileURL& folder) = 0;
 
+    /// Creates `folder`, in an existing one, so that nobody but this user may enter it. What is there already
+    /// has to be like that: fails with `not_a_directory` for a link or a file, and with `permission_denied`
+    /// where it is somebody else's or others may enter.
+    virtual Result<void, FileError> createPrivateFolder(const FileURL& folder) = 0;
+
+    /// What lies in `folder` itself, in no order, hidden entries too.
+    [[nodiscard]] virtual Result<std::vector<FileURL>, FileError> entries(const FileURL& folder) const = 0;
+
     /// Copies a file's bytes, modification time, permissions and extended attributes to the file `temporary`.
     /// Attributes that its volume can't hold are left out. What a copy that was cut off left there is
     /// replaced, and so is a link; where another copy is being written there, by any process, it fails with
@@ -143,6 +152,9 @@ public:
 
     /// Erases one file.
     virtual Result<void, FileError> removeFile(const FileURL& url) = 0;
+
+    /// Erases a file, a link, or a folder with all that is in it; nothing that a link in it leads to.
+    virtual Result<void, FileError> removeAll(const FileURL& url) = 0;
 
     /// Bytes that this user may still write on the volume of `folder`; empty when unknown.
     [[nodiscard]] virtual std::optional<std::int64_t> availableCapacity(const FileURL& folder) const = 0;

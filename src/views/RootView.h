@@ -16,6 +16,7 @@ class EditStore;
 class MainMenu;
 class PresetSheets;
 class PresetStore;
+class SharingController;
 class Sheet;
 class SideWindows;
 class WindowFrameGuard;
@@ -33,6 +34,7 @@ public:
         Preferences& preferences;
         Desktop& desktop;
         SideWindows& sideWindows;
+        SharingController& sharing;
         std::function<void(const FileURL&)>
             onDrop; ///< A person dropped a path onto the window, maybe of a file.
     };

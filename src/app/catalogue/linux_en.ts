@@ -134,7 +134,25 @@
     </message>
 </context>
 <context>
+    <name>SharePickerMenu</name>
+    <message>
+        <source>Show in Finder</source>
+        <translation>Show in Files</translation>
+    </message>
+    <message numerus="yes">
+        <source>Copy %Ln Files</source>
+        <translation>
+            <numerusform>Copy %Ln File</numerusform>
+            <numerusform>Copy %Ln Files</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>core</name>
+    <message>
+        <source>AirDrop isn't available. Check that Wi-Fi and Bluetooth are on.</source>
+        <translation>No device nearby takes files. Check that Wi-Fi and Bluetooth are on.</translation>
+    </message>
     <message>
         <source>Choose where marked photos are copied. Use New Folder to make one.</source>
         <translation>Choose where marked photos are copied. Use Create Folder to make one.</translation>
