@@ -45,8 +45,8 @@ public:
     virtual void described(std::string_view folder, std::string_view name, const FileStatus& status) = 0;
 };
 
-/// A copy that is written, but not yet under its name. Its temporary file is nobody else's, and is erased
-/// with this object unless it was placed. Errors name the temporary file.
+/// A copy or a new file that is written, but not yet under its name. Its temporary file is nobody else's, and
+/// is erased with this object unless it was placed. Errors name the temporary file.
 class PendingCopy {
 public:
     virtual ~PendingCopy() = default;
@@ -112,6 +112,11 @@ public:
     /// file that it came from: `from` could not be read, or `temporary` not be written.
     virtual Result<std::unique_ptr<PendingCopy>, FileError>
     copyFile(const FileURL& from, const FileURL& temporary, CopyReading reading, std::stop_token stop) = 0;
+
+    /// Writes `bytes` to the new file `temporary`, which gets the usual permissions. What is there already is
+    /// treated as by `copyFile`; a failure leaves nothing behind and names `temporary`.
+    virtual Result<std::unique_ptr<PendingCopy>, FileError> createFile(const FileURL& temporary,
+                                                                       std::string_view bytes) = 0;
 
     /// Whether two files hold the same bytes; `onMedium` is read past the cache. Fails with
     /// `operation_canceled` soon after `stop` is requested.

@@ -141,9 +141,13 @@ public:
         });
     }
 
-    /// Copying takes real files.
+    /// Copying and creating take real files.
     Result<std::unique_ptr<PendingCopy>, FileError> copyFile(const FileURL&, const FileURL& temporary,
                                                              CopyReading, std::stop_token) override {
+        return failure(temporary, std::errc::not_supported);
+    }
+    Result<std::unique_ptr<PendingCopy>, FileError> createFile(const FileURL& temporary,
+                                                               std::string_view) override {
         return failure(temporary, std::errc::not_supported);
     }
     [[nodiscard]] Result<bool, FileError> haveSameContents(const FileURL& file, const FileURL& onMedium,

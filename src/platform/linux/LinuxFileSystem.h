@@ -17,6 +17,8 @@ public:
     Result<std::unique_ptr<PendingCopy>, FileError> copyFile(const FileURL& from, const FileURL& temporary,
                                                              CopyReading reading,
                                                              std::stop_token stop) override;
+    Result<std::unique_ptr<PendingCopy>, FileError> createFile(const FileURL& temporary,
+                                                               std::string_view bytes) override;
     [[nodiscard]] Result<bool, FileError> haveSameContents(const FileURL& file, const FileURL& onMedium,
                                                            std::stop_token stop) const override;
     Result<void, FileError> syncNames(const FileURL& folder) override;
