@@ -2,6 +2,7 @@
 
 #include "library/LibraryViewModel.h"
 #include "views/LibraryContentView.h"
+#include "views/ShareMenuItems.h"
 #include "views/WindowKeys.h"
 
 class QSplitter;
@@ -16,6 +17,7 @@ class EditStore;
 class MainMenu;
 class PresetSheets;
 class PresetStore;
+class SharingController;
 class Sheet;
 class SideWindows;
 class ThumbnailService;
@@ -34,6 +36,7 @@ public:
         Preferences& preferences;
         Desktop& desktop;
         SideWindows& sideWindows;
+        SharingController& sharing;
         std::function<void(const FileURL&)>
             onDrop; ///< A person dropped a path onto the window, maybe of a file.
     };
@@ -86,6 +89,8 @@ private:
     Preferences& m_preferences;
     Desktop& m_desktop;
     SideWindows& m_sideWindows;
+    SharingController& m_sharing;
+    ShareMenuItems m_shareItems;
     std::function<void(const FileURL&)> m_onDrop;
     ThumbnailService* m_thumbnails; // may be none
     MainMenu* m_menu;
