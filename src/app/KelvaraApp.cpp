@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QDBusConnection>
+#include <QDir>
 #include <QFile>
 #include <QLocale>
 #include <QSysInfo>
@@ -28,6 +29,8 @@ CopyService::SidecarWriter sidecarWriter(XMPService& sidecars) {
     };
 }
 
+FileURL temporaryFolder() { return FileURL{QFile::encodeName(QDir::tempPath()).toStdString()}; }
+
 void callLater(std::chrono::milliseconds delay, std::function<void()> job) {
     QTimer::singleShot(delay, std::move(job));
 }
@@ -45,8 +48,8 @@ KelvaraApp::KelvaraApp(const Options& options)
                                                                  QGuiApplication::desktopFileName(),
                                                                  [this] { m_window->bringToFront(); }},
       m_locale{QLocale{}.bcp47Name().toStdString()}, m_volumeService{m_volumes, m_locale},
-      m_sidecars{m_files}, m_copier{m_files, sidecarWriter(m_sidecars)}, m_images{m_main},
-      m_memoryPressure{[this] {
+      m_sidecars{m_files}, m_copier{m_files, sidecarWriter(m_sidecars)}, m_shares{m_files, temporaryFolder()},
+      m_sharePicker{{.desktop = m_desktop}}, m_images{m_main}, m_memoryPressure{[this] {
           m_images.shrinkCaches();
           m_presetRenderer.shrinkCache();
       }},
@@ -62,26 +65,35 @@ KelvaraApp::KelvaraApp(const Options& options)
                                                                          .collationLocale = m_locale}},
       m_presetRenderer{m_images.rendering(), m_main}, m_editWrites{1, ThreadPool::AtEnd::finish},
       m_edits{m_files, options.dataFolder.child("Edits.json"), m_editWrites, m_main, callLater},
-      m_sidecarWrites{1, ThreadPool::AtEnd::finish}, m_sideWindows{m_settings, QUrl{QStringLiteral(
-                                                                                   KELVARA_SUPPORT_URL)}} {
-    const LibraryServices services{.files = m_files,
-                                   .trash = m_trash,
-                                   .background = m_background,
-                                   .sidecarWrites = m_sidecarWrites,
-                                   .main = m_main,
-                                   .preferences = m_preferences,
-                                   .volumes = m_volumeService,
-                                   .sidecars = m_sidecars,
-                                   .copier = m_copier,
-                                   .folderChooser = m_folderChooser,
-                                   .desktop = m_desktop,
-                                   .analytics = m_analytics,
-                                   .emptyImageCaches =
-                                       [this] {
-                                           m_images.emptyCaches();
-                                           m_presetRenderer.emptyCaches();
-                                       },
-                                   .collationLocale = m_locale};
+      m_sidecarWrites{1, ThreadPool::AtEnd::finish}, m_sharing{{.shares = m_shares,
+                                                                .picker = m_sharePicker,
+                                                                .settings = m_settings,
+                                                                .analytics = m_analytics,
+                                                                .background = m_background,
+                                                                .main = m_main}},
+      m_sideWindows{m_settings, QUrl{QStringLiteral(KELVARA_SUPPORT_URL)}} {
+    const LibraryServices services{
+        .files = m_files,
+        .trash = m_trash,
+        .background = m_background,
+        .sidecarWrites = m_sidecarWrites,
+        .main = m_main,
+        .preferences = m_preferences,
+        .volumes = m_volumeService,
+        .sidecars = m_sidecars,
+        .copier = m_copier,
+        .folderChooser = m_folderChooser,
+        .desktop = m_desktop,
+        .analytics = m_analytics,
+        .onShare = [this](auto files, const auto& anchor,
+                          const auto& look) { m_sharing.shareFiles(std::move(files), anchor, look); },
+        .makeShareFolder = [this] { return m_shares.makeJobFolder(); },
+        .emptyImageCaches =
+            [this] {
+                m_images.emptyCaches();
+                m_presetRenderer.emptyCaches();
+            },
+        .collationLocale = m_locale};
     m_analytics.record(AppStarted{});
     m_library = std::make_unique<LibraryViewModel>(services, options.folder);
     m_window = std::make_unique<RootView>(
@@ -91,9 +103,11 @@ KelvaraApp::KelvaraApp(const Options& options)
                            .preferences = m_preferences,
                            .desktop = m_desktop,
                            .sideWindows = m_sideWindows,
+                           .sharing = m_sharing,
                            .onDrop = [this](const FileURL& path) { openDropped(path); }},
         makeCanvases());
     m_folderChooser.setWindow(m_window.get());
+    m_sharePicker.setWindow(m_window.get());
     QObject::connect(m_grid, &PhotoGridView::photoMenuRequested, m_window.get(), &RootView::showPhotoMenu);
     QObject::connect(m_loupe, &LoupeView::photoMenuRequested, m_window.get(), &RootView::showPhotoMenu);
     m_copyActivity =

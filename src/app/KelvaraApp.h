@@ -7,6 +7,7 @@
 #include "library/AllowedAnalytics.h"
 #include "library/LibraryViewModel.h"
 #include "library/Settings.h"
+#include "library/SharingController.h"
 #include "platform/linux/DesktopNotifier.h"
 #include "platform/linux/HTTPAnalytics.h"
 #include "platform/linux/LauncherProgress.h"
@@ -23,10 +24,12 @@
 #include "presets/PresetRenderer.h"
 #include "presets/PresetStore.h"
 #include "services/CopyService.h"
+#include "services/ShareService.h"
 #include "services/VolumeService.h"
 #include "services/XMPService.h"
 #include "views/FolderChooserDialog.h"
 #include "views/RootView.h"
+#include "views/SharePickerMenu.h"
 #include "views/SideWindows.h"
 
 #include <QString>
@@ -83,6 +86,8 @@ private:
     VolumeService m_volumeService;
     XMPService m_sidecars;
     CopyService m_copier;
+    ShareService m_shares;
+    SharePickerMenu m_sharePicker;
     ImageServices m_images;
     MemoryPressure m_memoryPressure;
     ThreadPool m_background;
@@ -92,6 +97,7 @@ private:
     ThreadPool m_editWrites;
     EditStore m_edits;
     ThreadPool m_sidecarWrites;
+    SharingController m_sharing;
     SideWindows m_sideWindows;
     std::unique_ptr<LibraryViewModel> m_library;
     std::unique_ptr<RootView> m_window;

@@ -25,7 +25,7 @@ public:
         std::vector<FileURL> files;        ///< In the order of the photos, one a shot.
         std::vector<std::string> failures; ///< A sentence for each shot of which there is no file.
     };
-    /// Called after each shot, on the calling thread.
+    /// Called after each shot, one call at a time, on the calling thread or one that helps it.
     using ProgressHandler = std::function<void(std::size_t done, std::size_t total)>;
 
     /// `temporaryFolder` is the user's; `files` outlives it.
@@ -33,7 +33,7 @@ public:
 
     /// The folder "Kelvara-Share", which holds a folder for each job.
     [[nodiscard]] const FileURL& exportRoot() const { return m_root; }
-    /// A new empty folder in it, that nobody else may look into.
+    /// A new empty folder in it, that nobody else may look into; removes old ones first.
     [[nodiscard]] Result<FileURL, FileError> makeJobFolder() const;
 
     /// `longEdge` below 1 stands for `usualLongEdge`. Never says where a photo was taken.

@@ -2,7 +2,9 @@
 
 #include "library/LibraryFixture.h"
 #include "library/Settings.h"
+#include "library/SharingController.h"
 #include "presets/EditStore.h"
+#include "support/FakeSharePicker.h"
 #include "views/KeyboardShortcutsView.h"
 #include "views/MainMenu.h"
 #include "views/SearchField.h"
@@ -50,6 +52,7 @@ protected:
                                .preferences = m_preferences,
                                .desktop = m_desktop,
                                .sideWindows = m_sideWindows,
+                               .sharing = m_sharing,
                                .onDrop = [this](const FileURL& path) { m_dropped = path; }},
             PhotoCanvases{.grid = m_grid,
                           .setThumbnailSize = [this](double side) { m_thumbnailSize = side; },
@@ -87,6 +90,9 @@ protected:
                       [](auto, const auto&) {}};
     Settings m_settings{m_preferences};
     SideWindows m_sideWindows{m_settings, QUrl{}};
+    ShareService m_shares{m_files, m_presets.folder.url()};
+    FakeSharePicker m_sharePicker;
+    SharingController m_sharing{{m_shares, m_sharePicker, m_settings, m_analytics, m_background, m_main}};
     std::unique_ptr<RootView> m_window;
 };
 
