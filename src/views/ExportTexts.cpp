@@ -42,6 +42,9 @@ QString exportNote(const ExportSettings& settings) {
 
 QString bitDepthHelp(Format format) {
     if (format == Format::jpeg) return tr("JPEG files always have 8 bits per channel");
+    if (format == Format::heif)
+        return tr(
+            "16-bit gives HEIF files 10 bits per channel, which keep smooth gradients after strong edits");
     return tr("16-bit keeps smooth gradients after strong edits, at about twice the file size");
 }
 
