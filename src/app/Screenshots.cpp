@@ -70,6 +70,25 @@ void editPhotos(LibraryViewModel& library, RootView& root, double exposure) {
     }
 }
 
+/// Asks how the marked photos are exported, through a preset.
+void showExport(LibraryViewModel& library, RootView& root, ExportSettings::Format format) {
+    toggleMarks(library);
+    root.presets().select("builtin/amber-and-teal");
+    root.presets().setAmount(0.8);
+    ExportSettings settings;
+    settings.format = format;
+    library.setExportSettings(settings);
+    library.showExportOptions(library.markedItems(), ExportLook{*root.presets().selectedPreset(), {}});
+}
+
+void leaveExport(LibraryViewModel& library, RootView& root) {
+    library.dismissCopy();
+    library.clearMarks();
+    library.setExportSettings({});
+    root.presets().select({});
+    root.presets().setAmount(1);
+}
+
 SideWindow* sideWindow() {
     for (auto* window : QApplication::topLevelWidgets()) {
         auto* side = qobject_cast<SideWindow*>(window);
@@ -110,6 +129,18 @@ std::vector<Screenshots::State> Screenshots::allStates() {
              library.dismissCopy();
              library.clearMarks();
          }},
+        {QStringLiteral("export"),
+         [](auto& library, auto& root) { showExport(library, root, ExportSettings::Format::jpeg); },
+         leaveExport},
+        {QStringLiteral("export-png"),
+         [](auto& library, auto& root) { showExport(library, root, ExportSettings::Format::png); },
+         leaveExport},
+        {QStringLiteral("exported"),
+         [](auto& library, auto& root) {
+             showExport(library, root, ExportSettings::Format::jpeg);
+             library.startCopy(CopyService::Export{library.pendingExportLook(), library.exportSettings()});
+         },
+         leaveExport},
         {QStringLiteral("delete"),
          [](auto& library, auto& root) {
              toggleMarks(library);

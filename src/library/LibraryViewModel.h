@@ -226,6 +226,8 @@ public:
     /// Marks everything from the focused item to this one, and focuses it.
     void markRange(const FileURL& target);
     void clearMarks();
+    /// In the order of `sortedItems`.
+    [[nodiscard]] std::vector<PhotoItem> markedItems() const;
     /// Bytes of all marked items.
     [[nodiscard]] std::int64_t checkedBytes() const { return m_checked.bytes(); }
     /// No stars where nobody has rated the shot.
@@ -361,7 +363,6 @@ private:
     void setViewMode(ViewMode mode) { assign(Property::viewMode, m_viewMode, mode); }
     void saveRating(Rating rating, const FileURL& id);
     void didSaveRating(Rating saved, const FileURL& id, const Result<void, XMPError>& result);
-    [[nodiscard]] std::vector<PhotoItem> markedItems() const;
     void runCopy(const std::optional<CopyService::Export>& exportAs,
                  const std::optional<SharePicker::Anchor>& sharingFrom);
     void carryOut(CopyService::PlanRequest request);

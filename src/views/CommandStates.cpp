@@ -109,8 +109,6 @@ CommandState commandState(const WindowCommand& command, const LibraryViewModel& 
         return {tr("Copy Edits"), false};
     case Kind::pasteEdits:
         return {pasteTitle(library), false};
-    case Kind::share:
-        return {tr("Share…"), false};
 
     case Kind::moveLeft:
     case Kind::moveRight:

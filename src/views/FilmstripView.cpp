@@ -1,9 +1,11 @@
 #include "views/FilmstripView.h"
 
 #include "views/ApplicationStyle.h"
+#include "views/PhotoDrag.h"
 #include "views/Text.h"
 #include "views/Theme.h"
 
+#include <QApplication>
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -12,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace kelvara {
 
@@ -193,12 +196,31 @@ void FilmstripView::wheelEvent(QWheelEvent* event) {
 void FilmstripView::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton && event->button() != Qt::RightButton)
         return QWidget::mousePressEvent(event);
-    if (const auto index = indexAt(event->position().toPoint())) {
-        m_library.setFocusedID(m_library.visibleItems()[*index].url);
-    }
+    m_press.reset();
+    const auto point = event->position().toPoint();
+    const auto index = indexAt(point);
+    if (!index) return;
+    const auto url = m_library.visibleItems()[*index].url;
+    if (event->button() == Qt::LeftButton) m_press = Press{point, url};
+    m_library.setFocusedID(url);
 }
 
-void FilmstripView::mouseMoveEvent(QMouseEvent* event) { setHovered(indexAt(event->position().toPoint())); }
+void FilmstripView::mouseMoveEvent(QMouseEvent* event) {
+    const auto point = event->position().toPoint();
+    setHovered(indexAt(point));
+    if (!m_press || !event->buttons().testFlag(Qt::LeftButton)) return;
+    if ((point - m_press->point).manhattanLength() < QApplication::startDragDistance()) return;
+    startDrag(std::exchange(m_press, std::nullopt)->url);
+}
+
+void FilmstripView::mouseReleaseEvent(QMouseEvent*) { m_press.reset(); }
+
+void FilmstripView::startDrag(const FileURL& url) {
+    const auto index = m_library.visibleIndex(url);
+    if (!index) return;
+    const auto item = m_library.visibleItems()[*index];
+    dragPhotos(*this, m_library.actionTargets(item), m_thumbnails[url].picture);
+}
 
 void FilmstripView::leaveEvent(QEvent*) { setHovered(std::nullopt); }
 

@@ -18,6 +18,7 @@ class FilterBar;
 class GridStatusBar;
 class LibraryToolbar;
 class Preferences;
+class ShareMenuItems;
 
 /// The two ways to look at photos, made by whoever has the image services. The window owns the widgets.
 struct PhotoCanvases {
@@ -38,8 +39,9 @@ class LibraryContentView : public Panel {
     Q_OBJECT
 
 public:
-    LibraryContentView(LibraryViewModel& library, Preferences& preferences, PhotoCanvases canvases,
-                       QWidget* parent = nullptr);
+    /// The references outlive it.
+    LibraryContentView(LibraryViewModel& library, Preferences& preferences, const ShareMenuItems& sharing,
+                       PhotoCanvases canvases, QWidget* parent = nullptr);
 
     /// Gives the keyboard to the photos.
     void focusPhotos();

@@ -1,15 +1,17 @@
 #include "views/MainMenu.h"
 
 #include "views/PhotoCommands.h"
+#include "views/ShareMenuItems.h"
 #include "views/ZoomCommands.h"
 
 namespace kelvara {
 
 using Kind = WindowCommand::Kind;
 
-MainMenu::MainMenu(LibraryViewModel& library, QWidget* window) : QMenuBar{window}, m_library{library} {
+MainMenu::MainMenu(LibraryViewModel& library, const ShareMenuItems& sharing, QWidget* window)
+    : QMenuBar{window}, m_library{library} {
     addApplicationMenu();
-    addFileMenu();
+    addFileMenu(sharing);
     add(new PhotoCommands{this});
     addViewMenu();
     using P = LibraryProperty;
@@ -38,11 +40,15 @@ void MainMenu::addApplicationMenu() {
     menu->add({{Kind::quit}});
 }
 
-void MainMenu::addFileMenu() {
+void MainMenu::addFileMenu(const ShareMenuItems& sharing) {
     auto* menu = add(new CommandMenu{tr("&File"), this});
     menu->add({{Kind::openFolder}, {Kind::ejectSource}});
     menu->addSeparator();
-    menu->add({{Kind::share}});
+    m_shareMenu = menu->addMenu(tr("Share"));
+    connect(m_shareMenu, &QMenu::aboutToShow, this, [this, &sharing] {
+        m_shareMenu->clear();
+        sharing.addTo(*m_shareMenu);
+    });
 }
 
 void MainMenu::addViewMenu() {
@@ -70,6 +76,7 @@ void MainMenu::refresh() {
         // The desktop's own menu bar asks each menu.
         menu->menuAction()->setEnabled(isEnabled());
     }
+    m_shareMenu->menuAction()->setEnabled(m_library.focusedItem() != nullptr);
 }
 
 } // namespace kelvara

@@ -7,13 +7,15 @@
 
 namespace kelvara {
 
+class ShareMenuItems;
+
 /// The menus of the main window, in it or where the desktop shows menus.
 class MainMenu : public QMenuBar {
     Q_OBJECT
 
 public:
-    /// `window` is the main window; the library outlives the menus.
-    MainMenu(LibraryViewModel& library, QWidget* window);
+    /// `window` is the main window; the others outlive the menus.
+    MainMenu(LibraryViewModel& library, const ShareMenuItems& sharing, QWidget* window);
 
     void openFirst();
     void refresh();
@@ -24,11 +26,12 @@ signals:
 private:
     CommandMenu* add(CommandMenu* menu);
     void addApplicationMenu();
-    void addFileMenu();
+    void addFileMenu(const ShareMenuItems& sharing);
     void addViewMenu();
 
     LibraryViewModel& m_library;
     std::vector<CommandMenu*> m_menus;
+    QMenu* m_shareMenu;
     Subscription m_subscription;
 };
 

@@ -1,5 +1,6 @@
 #include "views/RootView.h"
 
+#include "library/SharingController.h"
 #include "platform/Desktop.h"
 #include "platform/Preferences.h"
 #include "views/ClosingSheet.h"
@@ -8,9 +9,10 @@
 #include "views/DropFrame.h"
 #include "views/EmptyState.h"
 #include "views/MainMenu.h"
-#include "views/PhotoCommands.h"
+#include "views/PhotoContextMenu.h"
 #include "views/PresetImportDialog.h"
 #include "views/PresetSheets.h"
+#include "views/ShareProgressView.h"
 #include "views/Sheet.h"
 #include "views/SideWindow.h"
 #include "views/SideWindows.h"
@@ -47,16 +49,18 @@ std::vector<FileURL> foreignPaths(const QDropEvent& event) {
 
 RootView::RootView(const Services& services, PhotoCanvases canvases)
     : m_library{services.library}, m_presets{services.presets}, m_edits{services.edits},
-      m_preferences{services.preferences}, m_desktop{services.desktop},
-      m_sideWindows{services.sideWindows}, m_onDrop{services.onDrop}, m_thumbnails{canvases.thumbnails} {
+      m_preferences{services.preferences}, m_desktop{services.desktop}, m_sideWindows{services.sideWindows},
+      m_sharing{services.sharing}, m_shareItems{m_library, m_presets, m_edits, m_sharing},
+      m_onDrop{services.onDrop}, m_thumbnails{canvases.thumbnails} {
     setMinimumSize(smallestSize);
     setAcceptDrops(true);
-    m_menu = new MainMenu{m_library, this};
+    m_menu = new MainMenu{m_library, m_shareItems, this};
     connect(m_menu, &MainMenu::chosen, this, &RootView::perform);
     m_splitter = new QSplitter{Qt::Horizontal, this};
     m_splitter->setHandleWidth(1);
     m_splitter->setChildrenCollapsible(false);
-    m_content = new LibraryContentView{m_library, m_preferences, std::move(canvases)};
+    m_content = new LibraryContentView{m_library, m_preferences, m_shareItems, std::move(canvases)};
+    new ShareProgressView{m_sharing, m_content};
     auto* sidebar = new SourceSidebar{m_library, m_desktop};
     connect(sidebar, &SourceSidebar::supportRequested, this,
             [this] { perform({WindowCommand::Kind::showSupport}); });
@@ -78,7 +82,7 @@ RootView::RootView(const Services& services, PhotoCanvases canvases)
     m_closingFrame = new Sheet{this};
     m_presetFrame = new Sheet{this};
     m_frameGuard = new WindowFrameGuard{*this};
-    m_copySheet = new CopySheet{m_library, m_desktop, *m_copySheetFrame, this};
+    m_copySheet = new CopySheet{m_library, m_desktop, m_sharing, *m_copySheetFrame, this};
     m_closingSheet = new ClosingSheet{m_library, *m_closingFrame, *this};
     m_presetSheets = new PresetSheets{m_presets, *m_presetFrame, this};
     for (auto* sheet : {m_copySheetFrame, m_deleteSheetFrame, m_alertFrame, m_closingFrame, m_presetFrame}) {
@@ -95,6 +99,8 @@ RootView::RootView(const Services& services, PhotoCanvases canvases)
         m_library.observe({P::pendingDeletion}, [this](const auto&) { showDeleteSheet(); }));
     m_subscriptions.push_back(m_library.observe({P::ratingSaveError, P::ejectError, P::deleteError},
                                                 [this](const auto&) { showNextAlert(); }));
+    m_subscriptions.push_back(
+        m_sharing.observe({SharingProperty::error}, [this](const auto&) { showNextAlert(); }));
     refreshTitle();
     restoreGeometryOr(usualSize);
     m_content->focusPhotos();
@@ -275,7 +281,6 @@ void RootView::perform(const WindowCommand& command) {
         return m_sideWindows.show(SideWindows::Identifier::support, *this);
     case Kind::copyEdits:
     case Kind::pasteEdits:
-    case Kind::share:
         return; // see commandState
     case Kind::importPresets:
         return choosePresetFiles();
@@ -286,10 +291,9 @@ void RootView::perform(const WindowCommand& command) {
 }
 
 void RootView::showPhotoMenu(const QPoint& screenPoint) {
-    auto* menu = new PhotoCommands{this};
+    auto* menu = new PhotoContextMenu{m_library, m_shareItems, this};
     menu->setAttribute(Qt::WA_DeleteOnClose);
     connect(menu, &CommandMenu::chosen, this, &RootView::perform);
-    menu->refresh([this](const WindowCommand& command) { return commandState(command, m_library, *this); });
     menu->popup(screenPoint);
 }
 
@@ -347,6 +351,8 @@ void RootView::showNextAlert() {
         present(tr("Couldn't Eject"), m_library.ejectError(), [this] { m_library.clearEjectError(); });
     } else if (!m_library.deleteError().empty()) {
         present(tr("Couldn't Delete"), m_library.deleteError(), [this] { m_library.clearDeleteError(); });
+    } else if (!m_sharing.error().empty()) {
+        present(tr("Couldn't Share"), m_sharing.error(), [this] { m_sharing.clearError(); });
     } else {
         m_alertFrame->dismiss();
     }

@@ -2,6 +2,7 @@
 
 #include "library/LibraryViewModel.h"
 #include "views/LibraryContentView.h"
+#include "views/ShareMenuItems.h"
 #include "views/WindowKeys.h"
 
 class QSplitter;
@@ -88,6 +89,8 @@ private:
     Preferences& m_preferences;
     Desktop& m_desktop;
     SideWindows& m_sideWindows;
+    SharingController& m_sharing;
+    ShareMenuItems m_shareItems;
     std::function<void(const FileURL&)> m_onDrop;
     std::optional<ThumbnailSources> m_thumbnails;
     MainMenu* m_menu;
