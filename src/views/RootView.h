@@ -13,6 +13,7 @@ class ClosingSheet;
 class CopySheet;
 class DeleteSheet;
 class DropFrame;
+class EditHistory;
 class EditStore;
 class MainMenu;
 class PresetSheets;
@@ -32,6 +33,7 @@ public:
         LibraryViewModel& library;
         PresetStore& presets;
         EditStore& edits;
+        EditHistory& editHistory;
         Preferences& preferences;
         Desktop& desktop;
         SideWindows& sideWindows;
@@ -47,7 +49,7 @@ public:
     /// What can be done with the focused photo, as a menu beside it.
     void showPhotoMenu(const QPoint& screenPoint);
     [[nodiscard]] PresetStore& presets() { return m_presets; }
-    [[nodiscard]] EditStore& edits() { return m_edits; }
+    [[nodiscard]] EditHistory& edits() { return m_editHistory; }
     /// Asks which files of presets, or which folder of them, to import.
     void choosePresetFiles();
     void choosePresetFolder();
@@ -82,10 +84,14 @@ private:
     [[nodiscard]] bool showsPresets() const;
     void importPresets(std::vector<FileURL> sources);
     void stepPreset(bool forward);
+    void copyEdits();
+    /// Goes where something changed, if nothing that is in sight did.
+    void showEdited(const std::vector<FileURL>& photos);
 
     LibraryViewModel& m_library;
     PresetStore& m_presets;
     EditStore& m_edits;
+    EditHistory& m_editHistory;
     Preferences& m_preferences;
     Desktop& m_desktop;
     SideWindows& m_sideWindows;

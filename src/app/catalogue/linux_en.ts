@@ -64,6 +64,17 @@
     </message>
 </context>
 <context>
+    <name>kelvara::EditInspector</name>
+    <message>
+        <source>Copy this photo's edits (⌘⇧C)</source>
+        <translation>Copy this photo's edits (Ctrl+Shift+C)</translation>
+    </message>
+    <message>
+        <source>%1 (⌘⇧V)</source>
+        <translation>%1 (Ctrl+Shift+V)</translation>
+    </message>
+</context>
+<context>
     <name>kelvara::ExportOptionsView</name>
     <message>
         <source>Export with these options into a temporary folder, then share or AirDrop the files without keeping them</source>
@@ -110,6 +121,13 @@
     <message>
         <source>⌘⇧C  ⌘⇧V</source>
         <translation>Ctrl+Shift+C  Ctrl+Shift+V</translation>
+    </message>
+</context>
+<context>
+    <name>kelvara::LightRow</name>
+    <message>
+        <source>Double-click resets; ⌥-drag for fine changes</source>
+        <translation>Double-click resets; Ctrl+drag for fine changes</translation>
     </message>
 </context>
 <context>
