@@ -1,12 +1,14 @@
 #pragma once
 
 #include "app/CopyActivity.h"
+#include "app/DesktopSharing.h"
 #include "app/ImageServices.h"
 #include "app/ScreenColorSpaceObserver.h"
 #include "async/ThreadPool.h"
 #include "library/AllowedAnalytics.h"
 #include "library/LibraryViewModel.h"
 #include "library/Settings.h"
+#include "library/SharingController.h"
 #include "platform/linux/DesktopNotifier.h"
 #include "platform/linux/HTTPAnalytics.h"
 #include "platform/linux/LauncherProgress.h"
@@ -24,6 +26,7 @@
 #include "presets/PresetRenderer.h"
 #include "presets/PresetStore.h"
 #include "services/CopyService.h"
+#include "services/ShareService.h"
 #include "services/VolumeService.h"
 #include "services/XMPService.h"
 #include "views/FolderChooserDialog.h"
@@ -85,9 +88,11 @@ private:
     VolumeService m_volumeService;
     XMPService m_sidecars;
     CopyService m_copier;
+    ShareService m_shares;
     ImageServices m_images;
     MemoryPressure m_memoryPressure;
     ThreadPool m_background;
+    DesktopSharing m_desktopSharing;
     LinuxFolderWatch m_presetWatch;
     PresetStore m_presets;
     PresetRenderer m_presetRenderer;
@@ -95,6 +100,7 @@ private:
     EditStore m_edits;
     EditHistory m_editHistory{m_edits};
     ThreadPool m_sidecarWrites;
+    SharingController m_sharing;
     SideWindows m_sideWindows;
     std::unique_ptr<LibraryViewModel> m_library;
     std::unique_ptr<RootView> m_window;

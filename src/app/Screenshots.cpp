@@ -1,6 +1,7 @@
 #include "app/Screenshots.h"
 
 #include "presets/EditHistory.h"
+#include "presets/EditStore.h"
 #include "presets/PresetStore.h"
 #include "views/HistogramView.h"
 #include "views/SideWindow.h"
@@ -79,6 +80,34 @@ void toggleMarks(LibraryViewModel& library) {
     }
 }
 
+/// Every other photo, brighter or darker by `exposure`.
+void editPhotos(LibraryViewModel& library, RootView& root, double exposure) {
+    LightAdjustments edits;
+    for (std::size_t index = 0; index < library.visibleItems().size(); index += 2) {
+        edits.set(LightAdjustments::Slider::exposure, exposure * (index % 4 == 0 ? 1 : -1));
+        root.edits().store().setAdjustments(edits, library.visibleItems()[index].url);
+    }
+}
+
+/// Asks how the marked photos are exported, through a preset.
+void showExport(LibraryViewModel& library, RootView& root, ExportSettings::Format format) {
+    toggleMarks(library);
+    root.presets().select("builtin/amber-and-teal");
+    root.presets().setAmount(0.8);
+    ExportSettings settings;
+    settings.format = format;
+    library.setExportSettings(settings);
+    library.showExportOptions(library.markedItems(), ExportLook{*root.presets().selectedPreset(), {}});
+}
+
+void leaveExport(LibraryViewModel& library, RootView& root) {
+    library.dismissCopy();
+    library.clearMarks();
+    library.setExportSettings({});
+    root.presets().select({});
+    root.presets().setAmount(1);
+}
+
 SideWindow* sideWindow() {
     for (auto* window : QApplication::topLevelWidgets()) {
         auto* side = qobject_cast<SideWindow*>(window);
@@ -101,6 +130,15 @@ std::vector<Screenshots::State> Screenshots::allStates() {
         {QStringLiteral("grid"), nothing, nothing},
         {QStringLiteral("marked"), [](auto& library, auto&) { toggleMarks(library); },
          [](auto& library, auto&) { library.clearMarks(); }},
+        {QStringLiteral("edited"),
+         [](auto& library, auto& root) {
+             toggleMarks(library);
+             editPhotos(library, root, 1);
+         },
+         [](auto& library, auto& root) {
+             editPhotos(library, root, 0);
+             library.clearMarks();
+         }},
         {QStringLiteral("copied"),
          [](auto& library, auto&) {
              toggleMarks(library);
@@ -110,6 +148,18 @@ std::vector<Screenshots::State> Screenshots::allStates() {
              library.dismissCopy();
              library.clearMarks();
          }},
+        {QStringLiteral("export"),
+         [](auto& library, auto& root) { showExport(library, root, ExportSettings::Format::jpeg); },
+         leaveExport},
+        {QStringLiteral("export-png"),
+         [](auto& library, auto& root) { showExport(library, root, ExportSettings::Format::png); },
+         leaveExport},
+        {QStringLiteral("exported"),
+         [](auto& library, auto& root) {
+             showExport(library, root, ExportSettings::Format::jpeg);
+             library.startCopy(CopyService::Export{library.pendingExportLook(), library.exportSettings()});
+         },
+         leaveExport},
         {QStringLiteral("delete"),
          [](auto& library, auto& root) {
              toggleMarks(library);

@@ -42,6 +42,14 @@ BitmapPtr original(const FileURL& url, std::optional<int> maximum, const std::st
     return depth == Depth::full ? source->deepImage(target, stop) : source->image(target, stop);
 }
 
+BitmapPtr exported(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop, Depth depth) {
+    const auto kind = mediaKind(url.extension());
+    if (kind == MediaKind::video) return nullptr;
+    if (kind != MediaKind::raw) return original(url, maximum, stop, depth);
+    const auto source = ImageSource::open(url);
+    return source && maximum.value_or(1) > 0 ? source->storedPreview(maximum, stop) : nullptr;
+}
+
 BitmapPtr storedThumbnail(const FileURL& url, const std::stop_token& stop) {
     // Nor has a film any, and opening one takes long.
     const auto kind = mediaKind(url.extension());
@@ -58,6 +66,11 @@ BitmapPtr storedThumbnail(const FileURL& url, const std::stop_token& stop) {
 BitmapPtr decodeOriginal(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop,
                          Depth depth) {
     return orNothing([&] { return original(url, maximum, stop, depth); });
+}
+
+BitmapPtr decodeForExport(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop,
+                          Depth depth) {
+    return orNothing([&] { return exported(url, maximum, stop, depth); });
 }
 
 BitmapPtr embeddedThumbnail(const FileURL& url, const std::stop_token& stop) {

@@ -14,6 +14,7 @@ inline constexpr std::string_view inspectorTab = "inspectorTab";
 inline constexpr std::string_view copyDestination = "copyDestination";
 inline constexpr std::string_view copiesIntoDateFolders = "copiesIntoDateFolders";
 inline constexpr std::string_view verifiesCopies = "verifiesCopies";
+inline constexpr std::string_view exportSettings = "exportSettings"; // JSON
 inline constexpr std::string_view deletesPairedFiles = "deletesPairedFiles";
 inline constexpr std::string_view recentFolders = "recentFolders";
 inline constexpr std::string_view hiddenExtensions = "hiddenExtensions";

@@ -151,11 +151,6 @@ CommandState commandState(const WindowCommand& command, const LibraryViewModel& 
     case Kind::quit:
         return {tr("Quit Kelvara")};
 
-    // Nothing performs these yet. Whoever does gives them their rule here and their call in
-    // RootView::perform.
-    case Kind::share:
-        return {tr("Share…"), false};
-
     case Kind::moveLeft:
     case Kind::moveRight:
     case Kind::moveUp:

@@ -39,13 +39,13 @@ QString captionText(const DevelopPreset& preset) {
 
 } // namespace
 
-LoupeView::LoupeView(LibraryViewModel& library, ThumbnailService& thumbnails, PreviewService& previews,
-                     MetadataService& metadata, PresetStore& presets, EditStore& edits,
-                     PresetRenderer& presetRenderer, Executor& rendering, Executor& main, QWidget* parent)
-    : QWidget{parent}, m_library{library}, m_presets{presets}, m_edits{edits},
-      m_pictures{library, thumbnails, previews, rendering, main, [this] { showPicture(); }},
+LoupeView::LoupeView(LibraryViewModel& library, const ThumbnailSources& thumbnails, PreviewService& previews,
+                     MetadataService& metadata, PresetStore& presets, PresetRenderer& presetRenderer,
+                     Executor& rendering, Executor& main, QWidget* parent)
+    : QWidget{parent}, m_library{library}, m_presets{presets}, m_edits{thumbnails.edits},
+      m_pictures{library, thumbnails.service, previews, rendering, main, [this] { showPicture(); }},
       m_preview{library,
-                thumbnails,
+                thumbnails.service,
                 presetRenderer,
                 rendering,
                 main,
@@ -60,7 +60,7 @@ LoupeView::LoupeView(LibraryViewModel& library, ThumbnailService& thumbnails, Pr
 
 LoupeView::~LoupeView() = default;
 
-void LoupeView::makeLayout(ThumbnailService& thumbnails) {
+void LoupeView::makeLayout(const ThumbnailSources& thumbnails) {
     m_image = new ZoomableImageView{this};
     m_video = new LoupeVideoPlayer{&VideoPlayer::make, this};
     m_cannotPreview = makeCannotPreview();

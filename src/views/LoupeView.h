@@ -6,6 +6,7 @@
 #include "services/MetadataService.h"
 #include "views/LoupePictures.h"
 #include "views/PresetPreview.h"
+#include "views/ThumbnailSources.h"
 #include "views/ZoomableImageView.h"
 
 #include <QWidget>
@@ -32,9 +33,9 @@ class LoupeView : public QWidget {
 
 public:
     /// `rendering` prepares large pictures for zooming; everything outlives it.
-    LoupeView(LibraryViewModel& library, ThumbnailService& thumbnails, PreviewService& previews,
-              MetadataService& metadata, PresetStore& presets, EditStore& edits,
-              PresetRenderer& presetRenderer, Executor& rendering, Executor& main, QWidget* parent = nullptr);
+    LoupeView(LibraryViewModel& library, const ThumbnailSources& thumbnails, PreviewService& previews,
+              MetadataService& metadata, PresetStore& presets, PresetRenderer& presetRenderer,
+              Executor& rendering, Executor& main, QWidget* parent = nullptr);
     ~LoupeView() override;
 
     /// Whether the picture is still to come in full resolution, or a thumbnail of the filmstrip.
@@ -80,7 +81,7 @@ private:
     /// so the last one is a good guess where the shape is the same; then zoom and position carry over.
     [[nodiscard]] static DisplaySize likelySize(const QImage& thumbnail, const ZoomSize& last);
 
-    void makeLayout(ThumbnailService& thumbnails);
+    void makeLayout(const ThumbnailSources& thumbnails);
     [[nodiscard]] QWidget* makeCannotPreview();
     void observe();
     void follow();

@@ -2,16 +2,18 @@
 
 #include "presets/EditStore.h"
 #include "views/PhotoCommands.h"
+#include "views/ShareMenuItems.h"
 #include "views/ZoomCommands.h"
 
 namespace kelvara {
 
 using Kind = WindowCommand::Kind;
 
-MainMenu::MainMenu(LibraryViewModel& library, EditHistory& edits, QWidget* window)
+MainMenu::MainMenu(LibraryViewModel& library, EditHistory& edits, const ShareMenuItems& sharing,
+                   QWidget* window)
     : QMenuBar{window}, m_library{library}, m_edits{edits} {
     addApplicationMenu();
-    addFileMenu();
+    addFileMenu(sharing);
     addEditMenu();
     add(new PhotoCommands{this});
     addViewMenu();
@@ -46,11 +48,15 @@ void MainMenu::addApplicationMenu() {
     menu->add({{Kind::quit}});
 }
 
-void MainMenu::addFileMenu() {
+void MainMenu::addFileMenu(const ShareMenuItems& sharing) {
     auto* menu = add(new CommandMenu{tr("&File"), this});
     menu->add({{Kind::openFolder}, {Kind::ejectSource}});
     menu->addSeparator();
-    menu->add({{Kind::share}});
+    m_shareMenu = menu->addMenu(tr("Share"));
+    connect(m_shareMenu, &QMenu::aboutToShow, this, [this, &sharing] {
+        m_shareMenu->clear();
+        sharing.addTo(*m_shareMenu);
+    });
 }
 
 void MainMenu::addEditMenu() { add(new CommandMenu{tr("&Edit"), this})->add({{Kind::undo}, {Kind::redo}}); }
@@ -80,6 +86,7 @@ void MainMenu::refresh() {
         // The desktop's own menu bar asks each menu.
         menu->menuAction()->setEnabled(isEnabled());
     }
+    m_shareMenu->menuAction()->setEnabled(m_library.focusedItem() != nullptr);
 }
 
 } // namespace kelvara

@@ -1,5 +1,6 @@
 #include "views/RootView.h"
 
+#include "library/SharingController.h"
 #include "platform/Desktop.h"
 #include "platform/Preferences.h"
 #include "presets/EditHistory.h"
@@ -10,9 +11,10 @@
 #include "views/DropFrame.h"
 #include "views/EmptyState.h"
 #include "views/MainMenu.h"
-#include "views/PhotoCommands.h"
+#include "views/PhotoContextMenu.h"
 #include "views/PresetImportDialog.h"
 #include "views/PresetSheets.h"
+#include "views/ShareProgressView.h"
 #include "views/Sheet.h"
 #include "views/SideWindow.h"
 #include "views/SideWindows.h"
@@ -50,15 +52,18 @@ std::vector<FileURL> foreignPaths(const QDropEvent& event) {
 RootView::RootView(const Services& services, PhotoCanvases canvases)
     : m_library{services.library}, m_presets{services.presets}, m_edits{services.edits},
       m_editHistory{services.editHistory}, m_preferences{services.preferences}, m_desktop{services.desktop},
-      m_sideWindows{services.sideWindows}, m_onDrop{services.onDrop}, m_thumbnails{canvases.thumbnails} {
+      m_sideWindows{services.sideWindows}, m_sharing{services.sharing}, m_shareItems{m_library, m_presets,
+                                                                                     m_edits, m_sharing},
+      m_onDrop{services.onDrop}, m_thumbnails{canvases.thumbnails} {
     setMinimumSize(smallestSize);
     setAcceptDrops(true);
-    m_menu = new MainMenu{m_library, m_editHistory, this};
+    m_menu = new MainMenu{m_library, m_editHistory, m_shareItems, this};
     connect(m_menu, &MainMenu::chosen, this, &RootView::perform);
     m_splitter = new QSplitter{Qt::Horizontal, this};
     m_splitter->setHandleWidth(1);
     m_splitter->setChildrenCollapsible(false);
-    m_content = new LibraryContentView{m_library, m_preferences, std::move(canvases)};
+    m_content = new LibraryContentView{m_library, m_preferences, m_shareItems, std::move(canvases)};
+    new ShareProgressView{m_sharing, m_content};
     auto* sidebar = new SourceSidebar{m_library, m_desktop};
     connect(sidebar, &SourceSidebar::supportRequested, this,
             [this] { perform({WindowCommand::Kind::showSupport}); });
@@ -80,7 +85,7 @@ RootView::RootView(const Services& services, PhotoCanvases canvases)
     m_closingFrame = new Sheet{this};
     m_presetFrame = new Sheet{this};
     m_frameGuard = new WindowFrameGuard{*this};
-    m_copySheet = new CopySheet{m_library, m_desktop, *m_copySheetFrame, this};
+    m_copySheet = new CopySheet{m_library, m_desktop, m_sharing, *m_copySheetFrame, this};
     m_closingSheet = new ClosingSheet{m_library, *m_closingFrame, *this};
     m_presetSheets = new PresetSheets{m_presets, *m_presetFrame, this};
     for (auto* sheet : {m_copySheetFrame, m_deleteSheetFrame, m_alertFrame, m_closingFrame, m_presetFrame}) {
@@ -97,6 +102,10 @@ RootView::RootView(const Services& services, PhotoCanvases canvases)
         m_library.observe({P::pendingDeletion}, [this](const auto&) { showDeleteSheet(); }));
     m_subscriptions.push_back(m_library.observe({P::ratingSaveError, P::ejectError, P::deleteError},
                                                 [this](const auto&) { showNextAlert(); }));
+    m_subscriptions.push_back(
+        m_edits.observe({EditProperty::saveError}, [this](const auto&) { showNextAlert(); }));
+    m_subscriptions.push_back(
+        m_sharing.observe({SharingProperty::error}, [this](const auto&) { showNextAlert(); }));
     refreshTitle();
     restoreGeometryOr(usualSize);
     m_content->focusPhotos();
@@ -283,8 +292,6 @@ void RootView::perform(const WindowCommand& command) {
         return copyEdits();
     case Kind::pasteEdits:
         return m_editHistory.paste(editTargets(m_library));
-    case Kind::share:
-        return; // see commandState
     case Kind::importPresets:
         return choosePresetFiles();
     case Kind::quit:
@@ -294,12 +301,9 @@ void RootView::perform(const WindowCommand& command) {
 }
 
 void RootView::showPhotoMenu(const QPoint& screenPoint) {
-    auto* menu = new PhotoCommands{this};
+    auto* menu = new PhotoContextMenu{m_library, m_editHistory, m_shareItems, this};
     menu->setAttribute(Qt::WA_DeleteOnClose);
     connect(menu, &CommandMenu::chosen, this, &RootView::perform);
-    menu->refresh([this](const WindowCommand& command) {
-        return commandState(command, m_library, m_editHistory, *this);
-    });
     menu->popup(screenPoint);
 }
 
@@ -371,6 +375,10 @@ void RootView::showNextAlert() {
         present(tr("Couldn't Eject"), m_library.ejectError(), [this] { m_library.clearEjectError(); });
     } else if (!m_library.deleteError().empty()) {
         present(tr("Couldn't Delete"), m_library.deleteError(), [this] { m_library.clearDeleteError(); });
+    } else if (!m_sharing.error().empty()) {
+        present(tr("Couldn't Share"), m_sharing.error(), [this] { m_sharing.clearError(); });
+    } else if (!m_edits.saveError().empty()) {
+        present(tr("Edits Not Saved"), m_edits.saveError(), [this] { m_edits.clearSaveError(); });
     } else {
         m_alertFrame->dismiss();
     }

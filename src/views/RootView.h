@@ -2,6 +2,7 @@
 
 #include "library/LibraryViewModel.h"
 #include "views/LibraryContentView.h"
+#include "views/ShareMenuItems.h"
 #include "views/WindowKeys.h"
 
 class QSplitter;
@@ -17,9 +18,9 @@ class EditStore;
 class MainMenu;
 class PresetSheets;
 class PresetStore;
+class SharingController;
 class Sheet;
 class SideWindows;
-class ThumbnailService;
 class WindowFrameGuard;
 
 /// The main window: the sources at the left, their photos at the right.
@@ -36,6 +37,7 @@ public:
         Preferences& preferences;
         Desktop& desktop;
         SideWindows& sideWindows;
+        SharingController& sharing;
         std::function<void(const FileURL&)>
             onDrop; ///< A person dropped a path onto the window, maybe of a file.
     };
@@ -93,8 +95,10 @@ private:
     Preferences& m_preferences;
     Desktop& m_desktop;
     SideWindows& m_sideWindows;
+    SharingController& m_sharing;
+    ShareMenuItems m_shareItems;
     std::function<void(const FileURL&)> m_onDrop;
-    ThumbnailService* m_thumbnails; // may be none
+    std::optional<ThumbnailSources> m_thumbnails;
     MainMenu* m_menu;
     QSplitter* m_splitter;
     LibraryContentView* m_content;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "presets/EditStore.h"
 #include "presets/PresetTestFiles.h"
 #include "support/FakeFolderWatch.h"
 #include "views/LoupeInfoBar.h"
@@ -29,8 +28,8 @@ protected:
                                                                  .collationLocale = {}});
         settle();
         m_library->toggleViewMode();
-        m_loupe = std::make_unique<LoupeView>(*m_library, m_thumbnails, m_previews, m_metadata, *m_presets,
-                                              m_edits, m_renderer, m_rendering, m_main);
+        m_loupe = std::make_unique<LoupeView>(*m_library, m_sources, m_previews, m_metadata, *m_presets,
+                                              m_renderer, m_rendering, m_main);
         m_loupe->resize(400, 400);
         m_loupe->show();
         QCoreApplication::processEvents();
@@ -54,8 +53,8 @@ protected:
     /// Until nothing is on its way, what waits for a moment without changes included.
     void settleLoupe() {
         ASSERT_TRUE(QTest::qWaitFor([this] {
-            while (m_drawing.runOne() || m_decoding.runOne() || m_reading.runOne() || m_rendering.runOne() ||
-                   m_main.runOne()) {
+            while (m_drawing.runOne() || m_background.runOne() || m_thumbnailDrawing.runOne() ||
+                   m_decoding.runOne() || m_reading.runOne() || m_rendering.runOne() || m_main.runOne()) {
             }
             return !m_loupe->isLoading();
         }));
@@ -64,8 +63,6 @@ protected:
     TemporaryFolder m_presetFolder;
     FakeFolderWatch m_presetWatch;
     std::unique_ptr<PresetStore> m_presets;
-    EditStore m_edits{m_files, m_presetFolder / "Edits.json", m_sidecarWrites, m_main,
-                      [](auto, const auto&) {}};
     ManualExecutor m_drawing; ///< Of presets.
     PresetRenderer m_renderer{m_drawing, m_main};
     std::unique_ptr<LoupeView> m_loupe;

@@ -1,8 +1,7 @@
 #include "views/MainMenu.h"
 
-#include "library/LibraryFixture.h"
 #include "library/PreferenceKeys.h"
-#include "presets/EditStore.h"
+#include "views/TestSharing.h"
 
 namespace kelvara {
 
@@ -12,7 +11,8 @@ protected:
     void open(std::initializer_list<std::string_view> names) {
         for (const auto name : names) m_card.write(std::string{"DCIM/"} + std::string{name}, "12345678");
         start(m_card / "DCIM");
-        m_menu = new MainMenu{*m_library, m_history, &m_window};
+        m_items = std::make_unique<ShareMenuItems>(m_sharing.items(*m_library));
+        m_menu = new MainMenu{*m_library, m_history, *m_items, &m_window};
     }
     [[nodiscard]] QMenu* menu(const QString& title) const {
         for (auto* found : m_menu->findChildren<QMenu*>()) {
@@ -43,8 +43,9 @@ protected:
         return found && found->isEnabled();
     }
 
-    EditStore m_edits{m_files, m_card / "Edits.json", m_sidecarWrites, m_main, [](auto, const auto&) {}};
-    EditHistory m_history{m_edits};
+    TestSharing m_sharing{services()};
+    std::unique_ptr<ShareMenuItems> m_items;
+    EditHistory m_history{m_sharing.edits};
     QWidget m_window;
     MainMenu* m_menu = nullptr;
 };
@@ -64,13 +65,13 @@ TEST_F(MainMenuTest, commandsStandInTheirMenusWithTheirKeys) {
     EXPECT_EQ(entries(*menu("Kelvara")),
               (QStringList{"About Kelvara", "-", "Import Presets…", "Settings… (Ctrl+,)", "-",
                            "Keyboard Shortcuts (Ctrl+/)", "Support Kelvara", "-", "Quit Kelvara (Ctrl+Q)"}));
-    EXPECT_EQ(entries(*menu("File")), (QStringList{"Open Folder… (Ctrl+O)", "Eject", "-", "Share…"}));
+    EXPECT_EQ(entries(*menu("File")), (QStringList{"Open Folder… (Ctrl+O)", "Eject", "-", "Share"}));
 }
 
 TEST_F(MainMenuTest, withoutAPhotoOnlyWhatNeedsNoneCanBeChosen) {
     open({});
     for (const auto* title : {"Mark for Copy", "Rating", "Copy Marked Files", "Clear Marks", "Show in Finder",
-                              "Zoom In", "Show Single Image", "Find File Names", "Eject"})
+                              "Zoom In", "Show Single Image", "Find File Names", "Eject", "Share"})
         EXPECT_FALSE(canChoose(title)) << title;
     for (const auto* title :
          {"Open Folder…", "Settings…", "About Kelvara", "Keyboard Shortcuts", "Info", "Full Screen"})
@@ -115,7 +116,7 @@ TEST_F(MainMenuTest, editsCanBeUndoneByNameAndPastedOntoPhotosOnceCopied) {
     EXPECT_FALSE(canChoose("Undo"));
     EXPECT_TRUE(canChoose("Redo Shadows"));
 
-    m_edits.copyAdjustments(a);
+    m_sharing.edits.copyAdjustments(a);
     EXPECT_TRUE(canChoose("Paste Edits"));
     for (const auto* name : {"DCIM/a.jpg", "DCIM/b.jpg", "DCIM/c.mov"})
         m_library->toggleChecked(m_card / name);
