@@ -44,9 +44,10 @@ private:
 };
 
 void setBlocks(PngCompression& to, const EmbeddedBlocks& blocks) {
-    if (!blocks.icc.empty()) {
-        png_set_iCCP(to.state(), to.info(), "ICC profile", PNG_COMPRESSION_TYPE_BASE, blocks.icc.data(),
-                     static_cast<png_uint_32>(blocks.icc.size()));
+    if (blocks.profile) {
+        const auto& icc = blocks.profile->icc();
+        png_set_iCCP(to.state(), to.info(), "ICC profile", PNG_COMPRESSION_TYPE_BASE, icc.data(),
+                     static_cast<png_uint_32>(icc.size()));
     }
     if (!blocks.exif.empty()) {
         png_set_eXIf_1(to.state(), to.info(), static_cast<png_uint_32>(blocks.exif.size()),
