@@ -13,6 +13,7 @@ public:
     [[nodiscard]] Result<std::string, FileError> readFile(const FileURL& url,
                                                           std::int64_t maximumBytes) const override;
     Result<void, FileError> writeFileAtomically(const FileURL& url, std::string_view bytes) override;
+    [[nodiscard]] Result<std::unique_ptr<FileLock>, FileError> lock(const FileURL& url) override;
     Result<void, FileError> createFolders(const FileURL& folder) override;
     Result<std::unique_ptr<PendingCopy>, FileError> copyFile(const FileURL& from, const FileURL& temporary,
                                                              CopyReading reading,
