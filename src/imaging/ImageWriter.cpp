@@ -1,5 +1,7 @@
 #include "imaging/ImageWriter.h"
 
+#include "imaging/AreaScaler.h"
+#include "imaging/writing/CarriedMetadata.h"
 #include "imaging/writing/Encoders.h"
 #include "text/Localized.h"
 
@@ -22,11 +24,28 @@ std::string_view typeName(ExportSettings::Format format) {
     return "file";
 }
 
+/// What EXIF shows of a picture before it is decoded; empty when memory is short.
+std::string thumbnailOf(const BitmapPtr& image, const std::stop_token& stop) {
+    constexpr int side = 160;
+    constexpr double quality = 0.8;
+    const auto small = scaledDown(image, side);
+    if (!small) return {};
+    return encodedJpeg(*small, quality, {}, stop).value_or(std::string{});
+}
+
+EmbeddedBlocks blocksOf(const ImageWriter::Picture& picture, const ExportSettings& settings,
+                        const std::stop_token& stop) {
+    // Of the formats only JPEG has a place for a thumbnail that programs look at.
+    auto thumbnail =
+        settings.format == ExportSettings::Format::jpeg ? thumbnailOf(picture.image, stop) : std::string{};
+    auto metadata = CarriedMetadata::of(picture, settings.keepsLocation, std::move(thumbnail), stop);
+    return {picture.image->profile()->icc(), std::move(metadata.exif), std::move(metadata.xmp)};
+}
+
 std::optional<std::string> encoded(const ImageWriter::Picture& picture, const ExportSettings& settings,
                                    const std::stop_token& stop) {
     const auto& image = *picture.image;
-    EmbeddedBlocks blocks;
-    blocks.icc = image.profile()->icc();
+    const auto blocks = blocksOf(picture, settings, stop);
     const auto format = settings.uses16Bit ? PixelFormat::bgrx16 : PixelFormat::bgrx8;
     switch (settings.format) {
     case ExportSettings::Format::jpeg:
