@@ -24,6 +24,9 @@ inline constexpr std::string_view lastSource = "lastSource";
 inline constexpr std::string_view gridThumbnailSize = "gridThumbnailSize";
 inline constexpr std::string_view gridShowsInfo = "gridShowsInfo";
 
+// The edit inspector.
+inline constexpr std::string_view editLightExpanded = "editLightExpanded";
+
 // The Settings window; see Settings.
 inline constexpr std::string_view shareAnonymousUsage = "shareAnonymousUsage";
 inline constexpr std::string_view cardDeleteErases = "cardDeleteErases";

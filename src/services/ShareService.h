@@ -36,7 +36,9 @@ public:
     /// A new empty folder in it, that nobody else may look into; removes old ones first.
     [[nodiscard]] Result<FileURL, FileError> makeJobFolder() const;
 
-    /// `longEdge` below 1 stands for `usualLongEdge`. Never says where a photo was taken.
+    /// `longEdge` below 1 stands for `usualLongEdge`. Of a shot the JPEG is taken, else the HEIF file, else
+    /// the RAW file. The files never say where a photo was taken. Fails where there is no folder for them,
+    /// and with `operation_canceled` soon after `stop` is requested, leaving nothing behind.
     [[nodiscard]] Result<Made, FileError> makeJPEGs(std::span<const PhotoItem> photos,
                                                     const std::optional<ExportLook>& look, int longEdge,
                                                     const std::stop_token& stop,

@@ -30,7 +30,7 @@ constexpr double easingPerSecond = 16;
 
 } // namespace
 
-FilmstripView::FilmstripView(LibraryViewModel& library, ThumbnailService& thumbnails, QWidget* parent)
+FilmstripView::FilmstripView(LibraryViewModel& library, const ThumbnailSources& thumbnails, QWidget* parent)
     : QWidget{parent}, m_library{library}, m_thumbnails{thumbnails, [this](const FileURL& url) {
                                                             if (const auto index =
                                                                     m_library.visibleIndex(url)) {
@@ -142,6 +142,7 @@ ThumbnailCellState FilmstripView::state(std::size_t index) const {
         state.content = ThumbnailCellState::Content::unreadable;
     }
     state.rating = m_library.rating(item.url);
+    state.isEdited = m_thumbnails.isEdited(item.url);
     state.isMarked = m_library.isChecked(item.url);
     state.isFocused = item.url == m_library.focusedID();
     state.isHovered = m_hovered == index;
@@ -241,8 +242,9 @@ bool FilmstripView::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip) return QWidget::event(event);
     const auto& help = static_cast<QHelpEvent&>(*event);
     if (const auto index = indexAt(help.pos())) {
-        const auto name = nameText(m_library.visibleItems()[*index].url);
-        QToolTip::showText(help.globalPos(), name.toHtmlEscaped(), this, cellRect(*index));
+        const auto& url = m_library.visibleItems()[*index].url;
+        const auto words = ThumbnailCell::help(nameText(url), m_thumbnails.isEdited(url));
+        QToolTip::showText(help.globalPos(), words.toHtmlEscaped(), this, cellRect(*index));
     }
     return true;
 }

@@ -19,7 +19,7 @@ class FilmstripView : public QWidget, public PhotoCells {
     Q_OBJECT
 
 public:
-    FilmstripView(LibraryViewModel& library, ThumbnailService& thumbnails, QWidget* parent = nullptr);
+    FilmstripView(LibraryViewModel& library, const ThumbnailSources& thumbnails, QWidget* parent = nullptr);
 
     [[nodiscard]] bool isLoading() const { return m_thumbnails.isLoading(); }
     void reloadThumbnails() { m_thumbnails.reload(); }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/LibraryViewModel.h"
+#include "presets/EditHistory.h"
 #include "views/CommandMenu.h"
 
 #include <QMenuBar>
@@ -15,7 +16,7 @@ class MainMenu : public QMenuBar {
 
 public:
     /// `window` is the main window; the others outlive the menus.
-    MainMenu(LibraryViewModel& library, const ShareMenuItems& sharing, QWidget* window);
+    MainMenu(LibraryViewModel& library, EditHistory& edits, const ShareMenuItems& sharing, QWidget* window);
 
     void openFirst();
     void refresh();
@@ -27,12 +28,14 @@ private:
     CommandMenu* add(CommandMenu* menu);
     void addApplicationMenu();
     void addFileMenu(const ShareMenuItems& sharing);
+    void addEditMenu();
     void addViewMenu();
 
     LibraryViewModel& m_library;
+    EditHistory& m_edits;
     std::vector<CommandMenu*> m_menus;
     QMenu* m_shareMenu;
-    Subscription m_subscription;
+    std::vector<Subscription> m_subscriptions;
 };
 
 } // namespace kelvara

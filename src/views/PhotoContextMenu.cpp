@@ -7,8 +7,8 @@
 
 namespace kelvara {
 
-PhotoContextMenu::PhotoContextMenu(const LibraryViewModel& library, const ShareMenuItems& sharing,
-                                   QWidget* window)
+PhotoContextMenu::PhotoContextMenu(const LibraryViewModel& library, const EditHistory& edits,
+                                   const ShareMenuItems& sharing, QWidget* window)
     : CommandMenu{{}, window} {
     using Kind = WindowCommand::Kind;
     add({{Kind::toggleMark}});
@@ -21,7 +21,7 @@ PhotoContextMenu::PhotoContextMenu(const LibraryViewModel& library, const ShareM
     const auto* focused = library.focusedItem();
     const auto targets = focused ? library.actionTargets(*focused).size() : 0;
     refresh([&](const WindowCommand& command) {
-        auto state = commandState(command, library, *window);
+        auto state = commandState(command, library, edits, *window);
         if (command.kind == Kind::deletePhotos && targets > 1)
             state.title = tr("Delete %1 Files…").arg(countText(static_cast<std::int64_t>(targets)));
         return state;

@@ -4,6 +4,7 @@
 
 namespace kelvara {
 
+class EditHistory;
 class LibraryViewModel;
 class ShareMenuItems;
 
@@ -14,7 +15,8 @@ class PhotoContextMenu : public CommandMenu {
 
 public:
     /// The references outlive it.
-    PhotoContextMenu(const LibraryViewModel& library, const ShareMenuItems& sharing, QWidget* window);
+    PhotoContextMenu(const LibraryViewModel& library, const EditHistory& edits, const ShareMenuItems& sharing,
+                     QWidget* window);
 };
 
 } // namespace kelvara

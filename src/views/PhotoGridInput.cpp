@@ -171,7 +171,7 @@ bool PhotoGridView::showToolTip(QHelpEvent& event) {
         return true;
     }
     const auto now = state(*index);
-    auto help = now.name;
+    auto help = ThumbnailCell::help(now.name, now.isEdited);
     if (isOnMark(*index, event.pos())) {
         help = now.isMarked ? tr("Unmark for copy (S)") : tr("Mark for copy (S)");
     } else if (now.content == ThumbnailCellState::Content::unreadable) {

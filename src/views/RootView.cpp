@@ -3,6 +3,8 @@
 #include "library/SharingController.h"
 #include "platform/Desktop.h"
 #include "platform/Preferences.h"
+#include "presets/EditHistory.h"
+#include "presets/EditStore.h"
 #include "views/ClosingSheet.h"
 #include "views/CopySheet.h"
 #include "views/DeleteSheet.h"
@@ -49,12 +51,13 @@ std::vector<FileURL> foreignPaths(const QDropEvent& event) {
 
 RootView::RootView(const Services& services, PhotoCanvases canvases)
     : m_library{services.library}, m_presets{services.presets}, m_edits{services.edits},
-      m_preferences{services.preferences}, m_desktop{services.desktop}, m_sideWindows{services.sideWindows},
-      m_sharing{services.sharing}, m_shareItems{m_library, m_presets, m_edits, m_sharing},
+      m_editHistory{services.editHistory}, m_preferences{services.preferences}, m_desktop{services.desktop},
+      m_sideWindows{services.sideWindows}, m_sharing{services.sharing}, m_shareItems{m_library, m_presets,
+                                                                                     m_edits, m_sharing},
       m_onDrop{services.onDrop}, m_thumbnails{canvases.thumbnails} {
     setMinimumSize(smallestSize);
     setAcceptDrops(true);
-    m_menu = new MainMenu{m_library, m_shareItems, this};
+    m_menu = new MainMenu{m_library, m_editHistory, m_shareItems, this};
     connect(m_menu, &MainMenu::chosen, this, &RootView::perform);
     m_splitter = new QSplitter{Qt::Horizontal, this};
     m_splitter->setHandleWidth(1);
@@ -279,9 +282,14 @@ void RootView::perform(const WindowCommand& command) {
         return m_sideWindows.show(SideWindows::Identifier::shortcuts, *this);
     case Kind::showSupport:
         return m_sideWindows.show(SideWindows::Identifier::support, *this);
+    case Kind::undo:
+        return showEdited(m_editHistory.undo());
+    case Kind::redo:
+        return showEdited(m_editHistory.redo());
     case Kind::copyEdits:
+        return copyEdits();
     case Kind::pasteEdits:
-        return; // see commandState
+        return m_editHistory.paste(editTargets(m_library));
     case Kind::importPresets:
         return choosePresetFiles();
     case Kind::quit:
@@ -291,7 +299,7 @@ void RootView::perform(const WindowCommand& command) {
 }
 
 void RootView::showPhotoMenu(const QPoint& screenPoint) {
-    auto* menu = new PhotoContextMenu{m_library, m_shareItems, this};
+    auto* menu = new PhotoContextMenu{m_library, m_editHistory, m_shareItems, this};
     menu->setAttribute(Qt::WA_DeleteOnClose);
     connect(menu, &CommandMenu::chosen, this, &RootView::perform);
     menu->popup(screenPoint);
@@ -305,6 +313,20 @@ void RootView::stepPreset(bool forward) {
     // Nothing that shows a preset, nothing to step through.
     if (m_library.viewMode() != ViewMode::loupe && !showsPresets()) return;
     forward ? m_presets.selectNext() : m_presets.selectPrevious();
+}
+
+void RootView::copyEdits() {
+    const auto* item = m_library.focusedItem();
+    if (item && item->kind() != MediaKind::video) m_edits.copyAdjustments(item->url);
+}
+
+void RootView::showEdited(const std::vector<FileURL>& photos) {
+    const auto& focused = m_library.focusedID();
+    const auto isFocused = [&](const FileURL& photo) { return photo.stemKey() == focused.stemKey(); };
+    if (std::ranges::any_of(photos, isFocused)) return;
+    const auto isVisible = [this](const FileURL& photo) { return m_library.visibleIndex(photo).has_value(); };
+    const auto visible = std::ranges::find_if(photos, isVisible);
+    if (visible != photos.end()) m_library.setFocusedID(*visible);
 }
 
 void RootView::importPresets(std::vector<FileURL> sources) {

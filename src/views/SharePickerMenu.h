@@ -6,6 +6,8 @@
 #include <QCoreApplication>
 #include <QPointer>
 
+#include <memory>
+
 class QMenu;
 class QWidget;
 
@@ -14,16 +16,20 @@ namespace kelvara {
 class Desktop;
 
 /// A menu of what the desktop can do with the files, beside the place they are shared from. One at a time: a
-/// request closes the menu of the one before.
+/// request takes the place of the one before.
 class SharePickerMenu : public SharePicker {
     Q_DECLARE_TR_FUNCTIONS(SharePickerMenu)
 
 public:
+    /// Everything outlives it.
     struct Services {
         Desktop& desktop;
+        ShareTargets& email;
+        ShareTargets& otherProgram; ///< Takes one file.
+        ShareTargets& nearby;
+        ShareTargets& bluetooth;
     };
 
-    /// Everything outlives it.
     explicit SharePickerMenu(const Services& services) : m_services{services} {}
     ~SharePickerMenu() override;
 
@@ -34,12 +40,28 @@ public:
     void shareNearby(std::vector<FileURL> files, OnEnd onEnd, std::function<void()> onUnavailable) override;
 
 private:
-    QMenu* makeMenu();
-    [[nodiscard]] QPoint place(const std::optional<Anchor>& anchor) const;
+    /// What is handed over, and who wants to know.
+    struct Parcel {
+        std::vector<FileURL> files;
+        OnEnd onEnd;
+    };
+    struct Device {
+        ShareTargets* service;
+        ShareTarget target;
+        QStringView symbol;
+    };
+    struct Search;
+
+    void begin();
+    void findDevices(std::function<void(const std::vector<Device>&)> onFound);
+    void addTarget(ShareTargets& service, QStringView symbol, const QString& title, const Parcel& parcel);
+    void addDevices(const std::vector<Device>& devices, const Parcel& parcel);
+    void addCopying(const Parcel& parcel);
+    void open(const std::optional<Anchor>& anchor);
 
     Services m_services;
     QPointer<QWidget> m_window;
-    QPointer<QMenu> m_menu;
+    QPointer<QMenu> m_menu; // of the newest request, hidden until it opens
 };
 
 } // namespace kelvara

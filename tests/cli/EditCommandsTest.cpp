@@ -69,7 +69,7 @@ TEST_F(EditCommandsTest, whatCantBeDoneIsToldAndNothingSaved) {
 TEST_F(EditCommandsTest, autoToneFindsEditsThatRenderDraws) {
     Picture dark{96, 64};
     for (std::size_t i = 0; i < dark.samples.size(); ++i)
-        dark.samples[i] = static_cast<std::uint16_t>(i * 800 % 16000);
+        dark.samples[i] = static_cast<std::uint16_t>(i * 800 % 40000);
     card.write("dark.jpg", photoJPEG(dark, {}, {}));
     const auto text = run({"auto-tone", path("dark.jpg")});
     EXPECT_EQ(text.exitCode, 0) << text.errors;

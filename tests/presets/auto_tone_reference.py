@@ -113,7 +113,7 @@ def main():
         photos = sorted(card.glob("DCIM/100KELVA/KEL*.JPG"))[:14]
         assert len(photos) >= 10
         for photo in photos:
-            for settings in (None, random_settings(chance), random_settings(chance)):
+            for settings in (None, {"Exposure2012": -4.0}, random_settings(chance)):
                 amount = chance.choice((1, 0.5, chance.random()))
                 arguments = [program, "auto-tone", photo, "--json"]
                 if settings is not None:
@@ -127,7 +127,7 @@ def main():
                 solved += 1
                 kinds.update(key for key, value in zip(KEYS, wanted) if value)
     print(f"{solved} times the same edits")
-    assert kinds == set(KEYS), "the photos are no good sample"
+    assert kinds == set(KEYS), f"only {kinds} were ever set"
 
 
 main()

@@ -64,6 +64,17 @@
     </message>
 </context>
 <context>
+    <name>kelvara::EditInspector</name>
+    <message>
+        <source>Copy this photo's edits (⌘⇧C)</source>
+        <translation>Copy this photo's edits (Ctrl+Shift+C)</translation>
+    </message>
+    <message>
+        <source>%1 (⌘⇧V)</source>
+        <translation>%1 (Ctrl+Shift+V)</translation>
+    </message>
+</context>
+<context>
     <name>kelvara::ExportOptionsView</name>
     <message>
         <source>Export with these options into a temporary folder, then share or AirDrop the files without keeping them</source>
@@ -113,6 +124,13 @@
     </message>
 </context>
 <context>
+    <name>kelvara::LightRow</name>
+    <message>
+        <source>Double-click resets; ⌥-drag for fine changes</source>
+        <translation>Double-click resets; Ctrl+drag for fine changes</translation>
+    </message>
+</context>
+<context>
     <name>kelvara::LoupeInfoBar</name>
     <message>
         <source>Z or double-click: Fit / 100% · ⌘+ ⌘− ⌘0 · ⌘-scroll, ⌥-scroll or pinch to zoom</source>
@@ -156,7 +174,25 @@
     </message>
 </context>
 <context>
+    <name>SharePickerMenu</name>
+    <message>
+        <source>Show in Finder</source>
+        <translation>Show in Files</translation>
+    </message>
+    <message numerus="yes">
+        <source>Copy %Ln Files</source>
+        <translation>
+            <numerusform>Copy %Ln File</numerusform>
+            <numerusform>Copy %Ln Files</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>core</name>
+    <message>
+        <source>AirDrop isn't available. Check that Wi-Fi and Bluetooth are on.</source>
+        <translation>No device nearby takes files. Check that Wi-Fi and Bluetooth are on.</translation>
+    </message>
     <message>
         <source>Choose where marked photos are copied. Use New Folder to make one.</source>
         <translation>Choose where marked photos are copied. Use Create Folder to make one.</translation>

@@ -66,12 +66,12 @@ void BluetoothDevices::find(std::function<void(std::vector<ShareTarget>)> onFoun
 
 void BluetoothDevices::send(const ShareTarget& to, std::vector<FileURL> files, SharePicker::OnEnd onEnd) {
     auto* transfer = new ObexTransfer{m_obex.bus(), std::move(files), &m_transfers};
-    QObject::connect(transfer, &ObexTransfer::ended, &m_transfers,
-                     [transfer, name = to.name, onEnd = std::move(onEnd)](bool wasSent) {
-                         transfer->deleteLater();
-                         if (!wasSent) return onEnd(Failure{notSentTo(name)});
-                         onEnd({});
-                     });
+    const auto conclude = [transfer, name = to.name, onEnd = std::move(onEnd)](bool wasSent) {
+        transfer->deleteLater();
+        if (!wasSent) return onEnd(Failure{notSentTo(name)});
+        onEnd({});
+    };
+    QObject::connect(transfer, &ObexTransfer::ended, &m_transfers, conclude, Qt::SingleShotConnection);
     transfer->start(QString::fromStdString(to.id));
 }
 

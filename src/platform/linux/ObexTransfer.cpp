@@ -15,7 +15,10 @@ const auto clientInterface = QStringLiteral("org.bluez.obex.Client1");
 } // namespace
 
 ObexTransfer::ObexTransfer(const QDBusConnection& sessionBus, std::vector<FileURL> files, QObject* parent)
-    : QObject{parent}, m_calls{sessionBus}, m_files{files.begin(), files.end()} {
+    : QObject{parent}, m_calls{sessionBus},
+      m_watcher{service(), sessionBus, QDBusServiceWatcher::WatchForUnregistration}, m_files{files.begin(),
+                                                                                             files.end()} {
+    connect(&m_watcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] { end(false); });
     // From the beginning and of all transfers: a small file is sent before its transfer's path is known here.
     m_calls.bus().connect({}, {}, QStringLiteral("org.freedesktop.DBus.Properties"),
                           QStringLiteral("PropertiesChanged"), {QStringLiteral("org.bluez.obex.Transfer1")},

@@ -5,6 +5,7 @@
 
 #include <QDBusMessage>
 #include <QDBusObjectPath>
+#include <QDBusServiceWatcher>
 #include <QObject>
 #include <QString>
 #include <deque>
@@ -26,6 +27,7 @@ public:
     void start(const QString& address);
 
 signals:
+    /// May come again; only the first counts.
     void ended(bool wasSent);
 
 private slots:
@@ -36,6 +38,7 @@ private:
     void end(bool wasSent);
 
     BusCalls m_calls;
+    QDBusServiceWatcher m_watcher;
     std::deque<FileURL> m_files; // still to be sent
     QDBusObjectPath m_session;
 };
