@@ -93,7 +93,9 @@ TEST_F(ShareMenuItemsTest, saysHowLargeTheCopiesAreAndWhetherALookIsApplied) {
 TEST_F(ShareMenuItemsTest, theContextMenuCountsWhatItDeletes) {
     open({"a.jpg", "b.jpg"});
     QWidget window;
-    const auto made = [&] { return titles(PhotoContextMenu{*m_library, *m_items, &window}); };
+    const auto made = [&] {
+        return titles(PhotoContextMenu{*m_library, m_sharing.history, *m_items, &window});
+    };
     EXPECT_EQ(made(), (QStringList{"Mark for Copy", "Rating", "-", "Share as JPEGs", "AirDrop as JPEGs",
                                    "Share Original", "Export && Share…", "-", "Show in Finder", "Delete…"}));
     for (const auto* name : {"a.jpg", "b.jpg"}) m_library->toggleChecked(m_card / name);
