@@ -1,12 +1,14 @@
 #pragma once
 
 #include "app/CopyActivity.h"
+#include "app/DesktopSharing.h"
 #include "app/ImageServices.h"
 #include "app/ScreenColorSpaceObserver.h"
 #include "async/ThreadPool.h"
 #include "library/AllowedAnalytics.h"
 #include "library/LibraryViewModel.h"
 #include "library/Settings.h"
+#include "library/SharingController.h"
 #include "platform/linux/DesktopNotifier.h"
 #include "platform/linux/HTTPAnalytics.h"
 #include "platform/linux/LauncherProgress.h"
@@ -19,10 +21,12 @@
 #include "platform/linux/QtMainExecutor.h"
 #include "platform/linux/SettingsPreferences.h"
 #include "platform/linux/UDisksVolumes.h"
+#include "presets/EditHistory.h"
 #include "presets/EditStore.h"
 #include "presets/PresetRenderer.h"
 #include "presets/PresetStore.h"
 #include "services/CopyService.h"
+#include "services/ShareService.h"
 #include "services/VolumeService.h"
 #include "services/XMPService.h"
 #include "views/FolderChooserDialog.h"
@@ -36,6 +40,7 @@
 
 namespace kelvara {
 
+class EditInspector;
 class LoupeView;
 class PhotoGridView;
 class PresetInspector;
@@ -83,21 +88,26 @@ private:
     VolumeService m_volumeService;
     XMPService m_sidecars;
     CopyService m_copier;
+    ShareService m_shares;
     ImageServices m_images;
     MemoryPressure m_memoryPressure;
     ThreadPool m_background;
+    DesktopSharing m_desktopSharing;
     LinuxFolderWatch m_presetWatch;
     PresetStore m_presets;
     PresetRenderer m_presetRenderer;
     ThreadPool m_editWrites;
     EditStore m_edits;
+    EditHistory m_editHistory{m_edits};
     ThreadPool m_sidecarWrites;
+    SharingController m_sharing;
     SideWindows m_sideWindows;
     std::unique_ptr<LibraryViewModel> m_library;
     std::unique_ptr<RootView> m_window;
     PhotoGridView* m_grid = nullptr;              // the window's
     LoupeView* m_loupe = nullptr;                 // the window's
     PresetInspector* m_presetInspector = nullptr; // the window's
+    EditInspector* m_editInspector = nullptr;     // the window's
     std::unique_ptr<CopyActivity> m_copyActivity;
     std::unique_ptr<ScreenColorSpaceObserver> m_screenColors;
     Subscription m_gridInfo;

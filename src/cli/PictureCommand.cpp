@@ -2,8 +2,8 @@
 
 #include "cli/InterruptWatch.h"
 #include "cli/MediaFolder.h"
-#include "cli/PictureEncoder.h"
 #include "cli/PictureReading.h"
+#include "imaging/writing/Encoders.h"
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
@@ -19,6 +19,14 @@ std::string checkExtension(const std::string& path) {
     const auto extension = CLI::detail::to_lower(std::filesystem::path{path}.extension().native());
     const bool isKnown = extension == ".png" || extension == ".jpg" || extension == ".jpeg";
     return isKnown ? std::string{} : "The name must end in .jpg, .jpeg or .png";
+}
+
+std::optional<std::string> encoded(const Bitmap& picture, bool asPNG, const std::stop_token& stop) {
+    constexpr double quality = 0.9;
+    EmbeddedBlocks blocks;
+    blocks.profile = picture.profile();
+    return asPNG ? encodedPng(picture, PixelFormat::bgrx8, blocks, stop)
+                 : encodedJpeg(picture, quality, blocks, stop);
 }
 
 bool isSameFile(const FileURL& a, const FileURL& b) {
@@ -53,7 +61,7 @@ ExitCode PictureCommand::make(std::optional<int> size, const Change& change) con
     const auto picture = change(*original, stop);
     if (stop.stop_requested()) return printError("Cancelled"), ExitCode::interrupted;
     if (!picture) return fail("There is not enough memory.");
-    const auto bytes = isPNG(*output) ? encodedPNG(*picture) : encodedJPEG(*picture);
+    const auto bytes = encoded(*picture, isPNG(*output), stop);
     if (!bytes) return fail("The picture couldn't be encoded.");
     if (const auto written = m_files.writeFileAtomically(*output, *bytes); !written) {
         return fail(message(written.error()));

@@ -2,6 +2,7 @@
 #include "cli/CopyCommand.h"
 #include "cli/DeleteCommand.h"
 #include "cli/EditsCommand.h"
+#include "cli/ExportCommand.h"
 #include "cli/ListCommand.h"
 #include "cli/LookCommand.h"
 #include "cli/MetadataCommand.h"
@@ -25,9 +26,9 @@ using namespace kelvara;
 using namespace kelvara::cli;
 
 int main(int argc, char** argv) {
-    CLI::App app{
-        "Lists, copies, rates, describes and deletes the photos of a memory card or folder, as Kelvara does.",
-        "kelvara-cli"};
+    CLI::App app{"Lists, copies, exports, rates, describes and deletes the photos of a memory card or "
+                 "folder, as Kelvara does.",
+                 "kelvara-cli"};
     app.set_version_flag("--version", "kelvara-cli " KELVARA_VERSION);
     app.require_subcommand(1);
     LinuxFileSystem files;
@@ -35,6 +36,7 @@ int main(int argc, char** argv) {
     std::vector<std::unique_ptr<const Command>> commands;
     commands.push_back(std::make_unique<ListCommand>(app, files));
     commands.push_back(std::make_unique<CopyCommand>(app, files));
+    commands.push_back(std::make_unique<ExportCommand>(app, files));
     commands.push_back(std::make_unique<DeleteCommand>(app, files, trash));
     commands.push_back(std::make_unique<RateCommand>(app, files));
     commands.push_back(std::make_unique<RatingsCommand>(app, files));

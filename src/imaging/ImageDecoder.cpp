@@ -42,6 +42,14 @@ BitmapPtr original(const FileURL& url, std::optional<int> maximum, const std::st
     return depth == Depth::full ? source->deepImage(target, stop) : source->image(target, stop);
 }
 
+BitmapPtr exported(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop, Depth depth) {
+    if ((maximum && *maximum < 1) || mediaKind(url.extension()) == MediaKind::video) return nullptr;
+    const auto source = ImageSource::open(url);
+    if (!source || stop.stop_requested()) return nullptr;
+    if (source->isSensorData()) return source->storedPreview(maximum, stop);
+    return depth == Depth::full ? source->deepImage(maximum, stop) : source->image(maximum, stop);
+}
+
 BitmapPtr storedThumbnail(const FileURL& url, const std::stop_token& stop) {
     // Nor has a film any, and opening one takes long.
     const auto kind = mediaKind(url.extension());
@@ -58,6 +66,11 @@ BitmapPtr storedThumbnail(const FileURL& url, const std::stop_token& stop) {
 BitmapPtr decodeOriginal(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop,
                          Depth depth) {
     return orNothing([&] { return original(url, maximum, stop, depth); });
+}
+
+BitmapPtr decodeForExport(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop,
+                          Depth depth) {
+    return orNothing([&] { return exported(url, maximum, stop, depth); });
 }
 
 BitmapPtr embeddedThumbnail(const FileURL& url, const std::stop_token& stop) {

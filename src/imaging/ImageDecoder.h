@@ -17,6 +17,11 @@ namespace kelvara::ImageDecoder {
 [[nodiscard]] BitmapPtr decodeOriginal(const FileURL& url, std::optional<int> maximum,
                                        const std::stop_token& stop, Depth depth = Depth::eight);
 
+/// The same for a new file. Of a RAW file it is a stored preview, never a development: that shows the photo
+/// as its camera meant it. Null for videos.
+[[nodiscard]] BitmapPtr decodeForExport(const FileURL& url, std::optional<int> maximum,
+                                        const std::stop_token& stop, Depth depth);
+
 /// The preview stored in the file, at most 512 pixels, without the black bars that it may have, prepared for
 /// display. Never decodes the full image; null for RAW files, whose previews `decodeOriginal` uses, and
 /// for videos.

@@ -7,6 +7,8 @@
 #include "services/ShareService.h"
 
 #include <cstddef>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,6 +17,7 @@ namespace kelvara {
 
 class AnalyticsClient;
 class Settings;
+struct PhotosShared;
 
 enum class SharingProperty { progress, error, count };
 
@@ -52,15 +55,23 @@ public:
     /// Of the JPEGs being made; empty while none are.
     [[nodiscard]] const std::optional<Progress>& progress() const { return m_progress; }
     void cancel();
-    /// What went wrong, for an alert; empty for nothing.
+    /// What went wrong, for an alert: a sentence on each line; empty for nothing.
     [[nodiscard]] const std::string& error() const { return m_error; }
     void clearError() { assign(SharingProperty::error, m_error, {}); }
 
 private:
+    void make(std::vector<PhotoItem> photos, std::optional<ExportLook> look,
+              std::function<void(std::vector<FileURL>)> handOver);
+    SharePicker::OnEnd whenHandedOver(PhotosShared event, std::size_t count);
+    void endJob();
+    void addError(const std::string& sentence);
+
     Services m_services;
     LatestOnly m_job;
     std::optional<Progress> m_progress;
-    std::string m_error;
+    std::string m_error;                                        // one line for each thing
+    std::shared_ptr<int> m_running;                             // while JPEGs are made
+    std::shared_ptr<int> m_lifetime = std::make_shared<int>(0); // gone with it
 };
 
 } // namespace kelvara

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 namespace kelvara {
 
@@ -45,8 +46,8 @@ public:
     virtual void described(std::string_view folder, std::string_view name, const FileStatus& status) = 0;
 };
 
-/// A copy that is written, but not yet under its name. Its temporary file is nobody else's, and is erased
-/// with this object unless it was placed. Errors name the temporary file.
+/// A copy or a new file that is written, but not yet under its name. Its temporary file is nobody else's, and
+/// is erased with this object unless it was placed. Errors name the temporary file.
 class PendingCopy {
 public:
     virtual ~PendingCopy() = default;
@@ -116,6 +117,14 @@ public:
     /// Creates `folder` and what is missing above it; an existing folder is no error.
     virtual Result<void, FileError> createFolders(const FileURL& folder) = 0;
 
+    /// Creates `folder`, in an existing one, so that nobody but this user may enter it. What is there already
+    /// has to be like that: fails with `not_a_directory` for a link or a file, and with `permission_denied`
+    /// where it is somebody else's or others may enter.
+    virtual Result<void, FileError> createPrivateFolder(const FileURL& folder) = 0;
+
+    /// What lies in `folder` itself, in no order, hidden entries too.
+    [[nodiscard]] virtual Result<std::vector<FileURL>, FileError> entries(const FileURL& folder) const = 0;
+
     /// Copies a file's bytes, modification time, permissions and extended attributes to the file `temporary`.
     /// Attributes that its volume can't hold are left out. What a copy that was cut off left there is
     /// replaced, and so is a link; where another copy is being written there, by any process, it fails with
@@ -124,6 +133,11 @@ public:
     /// file that it came from: `from` could not be read, or `temporary` not be written.
     virtual Result<std::unique_ptr<PendingCopy>, FileError>
     copyFile(const FileURL& from, const FileURL& temporary, CopyReading reading, std::stop_token stop) = 0;
+
+    /// Writes `bytes` to the new file `temporary`, which gets the usual permissions. What is there already is
+    /// treated as by `copyFile`; a failure leaves nothing behind and names `temporary`.
+    virtual Result<std::unique_ptr<PendingCopy>, FileError> createFile(const FileURL& temporary,
+                                                                       std::string_view bytes) = 0;
 
     /// Whether two files hold the same bytes; `onMedium` is read past the cache. Fails with
     /// `operation_canceled` soon after `stop` is requested.
@@ -138,6 +152,9 @@ public:
 
     /// Erases one file.
     virtual Result<void, FileError> removeFile(const FileURL& url) = 0;
+
+    /// Erases a file, a link, or a folder with all that is in it; nothing that a link in it leads to.
+    virtual Result<void, FileError> removeAll(const FileURL& url) = 0;
 
     /// Bytes that this user may still write on the volume of `folder`; empty when unknown.
     [[nodiscard]] virtual std::optional<std::int64_t> availableCapacity(const FileURL& folder) const = 0;

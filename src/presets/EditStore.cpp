@@ -62,6 +62,13 @@ void EditStore::setAdjustments(const LightAdjustments& adjustments, const FileUR
     store(adjustments, {&photo, 1});
 }
 
+void EditStore::setAdjustments(std::span<const LightAdjustments> adjustments,
+                               std::span<const FileURL> photos) {
+    const Change change{*this};
+    for (std::size_t i = 0; i < photos.size(); ++i) store(adjustments[i], photos[i]);
+    scheduleSave();
+}
+
 void EditStore::copyAdjustments(const FileURL& photo) {
     assign(EditProperty::copiedAdjustments, m_copied, std::optional{adjustments(photo)});
 }

@@ -45,6 +45,8 @@ public:
     /// Empty for a photo without edits.
     [[nodiscard]] LightAdjustments adjustments(const FileURL& photo) const;
     void setAdjustments(const LightAdjustments& adjustments, const FileURL& photo);
+    /// The same for many at once, `adjustments[i]` for `photos[i]`.
+    void setAdjustments(std::span<const LightAdjustments> adjustments, std::span<const FileURL> photos);
 
     [[nodiscard]] const std::optional<LightAdjustments>& copiedAdjustments() const { return m_copied; }
     void copyAdjustments(const FileURL& photo);

@@ -25,7 +25,7 @@ public:
         std::vector<FileURL> files;        ///< In the order of the photos, one a shot.
         std::vector<std::string> failures; ///< A sentence for each shot of which there is no file.
     };
-    /// Called after each shot, on the calling thread.
+    /// Called after each shot, one call at a time, on the calling thread or one that helps it.
     using ProgressHandler = std::function<void(std::size_t done, std::size_t total)>;
 
     /// `temporaryFolder` is the user's; `files` outlives it.
@@ -33,10 +33,12 @@ public:
 
     /// The folder "Kelvara-Share", which holds a folder for each job.
     [[nodiscard]] const FileURL& exportRoot() const { return m_root; }
-    /// A new empty folder in it, that nobody else may look into.
+    /// A new empty folder in it, that nobody else may look into; removes old ones first.
     [[nodiscard]] Result<FileURL, FileError> makeJobFolder() const;
 
-    /// `longEdge` below 1 stands for `usualLongEdge`. Never says where a photo was taken.
+    /// `longEdge` below 1 stands for `usualLongEdge`. Of a shot the JPEG is taken, else the HEIF file, else
+    /// the RAW file. The files never say where a photo was taken. Fails where there is no folder for them,
+    /// and with `operation_canceled` soon after `stop` is requested, leaving nothing behind.
     [[nodiscard]] Result<Made, FileError> makeJPEGs(std::span<const PhotoItem> photos,
                                                     const std::optional<ExportLook>& look, int longEdge,
                                                     const std::stop_token& stop,

@@ -6,7 +6,7 @@
 #include "samplecard/JPEG.h"
 #include "services/metadata/ExifReader.h"
 #include "services/metadata/MetadataDump.h"
-#include "services/metadata/TiffExcerpt.h"
+#include "imaging/metadata/TiffExcerpt.h"
 #include "support/JpegMaker.h"
 #include "support/ManualExecutor.h"
 #include "support/TemporaryFolder.h"

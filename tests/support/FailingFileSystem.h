@@ -15,6 +15,8 @@ class FailingFileSystem : public LinuxFileSystem {
 public:
     /// Runs before a copy; an error makes it fail.
     std::function<std::optional<std::errc>(const FileURL& from, const FileURL& temporary)> onCopy;
+    /// Runs before a new file is written; an error makes it fail.
+    std::function<std::optional<std::errc>(const FileURL& temporary)> onCreate;
     /// Runs before a copy is made durable; an error makes that fail.
     std::function<std::optional<std::errc>(const FileURL& temporary)> onSync;
     /// Runs before a copy takes its name.
@@ -34,6 +36,14 @@ public:
         auto copy = LinuxFileSystem::copyFile(from, temporary, reading, std::move(stop));
         if (!copy) return copy;
         return std::unique_ptr<PendingCopy>{new FailingCopy{*this, temporary, std::move(*copy)}};
+    }
+    Result<std::unique_ptr<PendingCopy>, FileError> createFile(const FileURL& temporary,
+                                                               std::string_view bytes) override {
+        if (auto failure = onCreate ? onCreate(temporary) : std::nullopt)
+            return Failure{error(temporary, *failure)};
+        auto file = LinuxFileSystem::createFile(temporary, bytes);
+        if (!file) return file;
+        return std::unique_ptr<PendingCopy>{new FailingCopy{*this, temporary, std::move(*file)}};
     }
     Result<void, FileError> syncNames(const FileURL& folder) override {
         if (auto failure = onSyncNames ? onSyncNames(folder) : std::nullopt)

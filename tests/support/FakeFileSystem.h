@@ -146,9 +146,27 @@ public:
         });
     }
 
-    /// Copying takes real files.
+    Result<void, FileError> createPrivateFolder(const FileURL& folder) override {
+        return createFolders(folder);
+    }
+    [[nodiscard]] Result<std::vector<FileURL>, FileError> entries(const FileURL& folder) const override {
+        return perform(Operation::walk, folder, [&]() -> Result<std::vector<FileURL>, FileError> {
+            if (!m_folders.contains(folder.path())) return failure(folder, missingOrNotAFolder(folder));
+            std::vector<FileURL> found;
+            for (const auto& [path, status] : entriesBelow(folder)) {
+                if (FileURL{path}.parent() == folder) found.emplace_back(path);
+            }
+            return found;
+        });
+    }
+
+    /// Copying and creating take real files.
     Result<std::unique_ptr<PendingCopy>, FileError> copyFile(const FileURL&, const FileURL& temporary,
                                                              CopyReading, std::stop_token) override {
+        return failure(temporary, std::errc::not_supported);
+    }
+    Result<std::unique_ptr<PendingCopy>, FileError> createFile(const FileURL& temporary,
+                                                               std::string_view) override {
         return failure(temporary, std::errc::not_supported);
     }
     [[nodiscard]] Result<bool, FileError> haveSameContents(const FileURL& file, const FileURL& onMedium,
@@ -178,6 +196,15 @@ public:
             if (file == m_files.end()) return failure(url, std::errc::no_such_file_or_directory);
             if (m_capacity) *m_capacity += statusOf(file->second).size;
             m_files.erase(file);
+            return {};
+        });
+    }
+
+    Result<void, FileError> removeAll(const FileURL& url) override {
+        return perform(Operation::remove, url, [&]() -> Result<void, FileError> {
+            const auto isGone = [&](const std::string& path) { return FileURL{path}.isContained(url); };
+            std::erase_if(m_files, [&](const auto& file) { return isGone(file.first); });
+            std::erase_if(m_folders, isGone);
             return {};
         });
     }

@@ -1,7 +1,7 @@
 #include "views/MainMenu.h"
 
-#include "library/LibraryFixture.h"
 #include "library/PreferenceKeys.h"
+#include "views/TestSharing.h"
 
 namespace kelvara {
 
@@ -11,7 +11,8 @@ protected:
     void open(std::initializer_list<std::string_view> names) {
         for (const auto name : names) m_card.write(std::string{"DCIM/"} + std::string{name}, "12345678");
         start(m_card / "DCIM");
-        m_menu = new MainMenu{*m_library, &m_window};
+        m_items = std::make_unique<ShareMenuItems>(m_sharing.items(*m_library));
+        m_menu = new MainMenu{*m_library, m_history, *m_items, &m_window};
     }
     [[nodiscard]] QMenu* menu(const QString& title) const {
         for (auto* found : m_menu->findChildren<QMenu*>()) {
@@ -42,12 +43,16 @@ protected:
         return found && found->isEnabled();
     }
 
+    TestSharing m_sharing{services()};
+    std::unique_ptr<ShareMenuItems> m_items;
+    EditHistory m_history{m_sharing.edits};
     QWidget m_window;
     MainMenu* m_menu = nullptr;
 };
 
 TEST_F(MainMenuTest, commandsStandInTheirMenusWithTheirKeys) {
     open({"a.jpg"});
+    EXPECT_EQ(entries(*menu("Edit")), (QStringList{"Undo (Ctrl+Z)", "Redo (Ctrl+Shift+Z)"}));
     EXPECT_EQ(entries(*menu("Photo")),
               (QStringList{"Mark for Copy", "Rating", "-", "Copy Edits (Ctrl+Shift+C)",
                            "Paste Edits (Ctrl+Shift+V)", "-", "Copy Marked Files (Ctrl+Return)",
@@ -60,13 +65,13 @@ TEST_F(MainMenuTest, commandsStandInTheirMenusWithTheirKeys) {
     EXPECT_EQ(entries(*menu("Kelvara")),
               (QStringList{"About Kelvara", "-", "Import Presets…", "Settings… (Ctrl+,)", "-",
                            "Keyboard Shortcuts (Ctrl+/)", "Support Kelvara", "-", "Quit Kelvara (Ctrl+Q)"}));
-    EXPECT_EQ(entries(*menu("File")), (QStringList{"Open Folder… (Ctrl+O)", "Eject", "-", "Share…"}));
+    EXPECT_EQ(entries(*menu("File")), (QStringList{"Open Folder… (Ctrl+O)", "Eject", "-", "Share"}));
 }
 
 TEST_F(MainMenuTest, withoutAPhotoOnlyWhatNeedsNoneCanBeChosen) {
     open({});
     for (const auto* title : {"Mark for Copy", "Rating", "Copy Marked Files", "Clear Marks", "Show in Finder",
-                              "Zoom In", "Show Single Image", "Find File Names", "Eject"})
+                              "Zoom In", "Show Single Image", "Find File Names", "Eject", "Share"})
         EXPECT_FALSE(canChoose(title)) << title;
     for (const auto* title :
          {"Open Folder…", "Settings…", "About Kelvara", "Keyboard Shortcuts", "Info", "Full Screen"})
@@ -99,6 +104,27 @@ TEST_F(MainMenuTest, titlesChecksAndEnablingFollowTheLibrary) {
     m_library->toggleViewMode();
     EXPECT_TRUE(canChoose("Zoom to Fit"));
     EXPECT_TRUE(canChoose("Show Grid"));
+}
+
+TEST_F(MainMenuTest, editsCanBeUndoneByNameAndPastedOntoPhotosOnceCopied) {
+    open({"a.jpg", "b.jpg", "c.mov"});
+    for (const auto* title : {"Undo", "Redo", "Paste Edits"}) EXPECT_FALSE(canChoose(title)) << title;
+    const auto a = m_card / "DCIM/a.jpg";
+    m_history.setSlider(LightAdjustments::Slider::shadows, 20, a);
+    EXPECT_TRUE(canChoose("Undo Shadows"));
+    m_history.undo();
+    EXPECT_FALSE(canChoose("Undo"));
+    EXPECT_TRUE(canChoose("Redo Shadows"));
+
+    m_sharing.edits.copyAdjustments(a);
+    EXPECT_TRUE(canChoose("Paste Edits"));
+    for (const auto* name : {"DCIM/a.jpg", "DCIM/b.jpg", "DCIM/c.mov"})
+        m_library->toggleChecked(m_card / name);
+    EXPECT_TRUE(canChoose("Paste Edits to 2 Photos"));
+    m_library->clearMarks();
+    m_library->setFocusedID(m_card / "DCIM/c.mov");
+    EXPECT_FALSE(canChoose("Paste Edits"));
+    EXPECT_FALSE(canChoose("Copy Edits"));
 }
 
 TEST_F(MainMenuTest, whileACopyRunsNoOtherBeginsAndNothingIsEjected) {

@@ -2,7 +2,10 @@
 
 #include "library/LibraryFixture.h"
 #include "library/Settings.h"
+#include "library/SharingController.h"
+#include "presets/EditHistory.h"
 #include "presets/EditStore.h"
+#include "support/FakeSharePicker.h"
 #include "views/KeyboardShortcutsView.h"
 #include "views/MainMenu.h"
 #include "views/SearchField.h"
@@ -47,9 +50,11 @@ protected:
             RootView::Services{.library = *m_library,
                                .presets = m_presets.store,
                                .edits = m_edits,
+                               .editHistory = m_history,
                                .preferences = m_preferences,
                                .desktop = m_desktop,
                                .sideWindows = m_sideWindows,
+                               .sharing = m_sharing,
                                .onDrop = [this](const FileURL& path) { m_dropped = path; }},
             PhotoCanvases{.grid = m_grid,
                           .setThumbnailSize = [this](double side) { m_thumbnailSize = side; },
@@ -85,8 +90,12 @@ protected:
     TestPresets m_presets{services()};
     EditStore m_edits{services().files, m_presets.folder / "Edits.json", m_sidecarWrites, m_main,
                       [](auto, const auto&) {}};
+    EditHistory m_history{m_edits};
     Settings m_settings{m_preferences};
     SideWindows m_sideWindows{m_settings, QUrl{}};
+    ShareService m_shares{m_files, m_presets.folder.url()};
+    FakeSharePicker m_sharePicker;
+    SharingController m_sharing{{m_shares, m_sharePicker, m_settings, m_analytics, m_background, m_main}};
     std::unique_ptr<RootView> m_window;
 };
 
@@ -349,6 +358,39 @@ TEST_F(RootViewTest, aCopyThatEndsByItselfTakesTheQuestionBack) {
     window.closeWithoutAsking();
     QApplication::processEvents();
     EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(RootViewTest, anExportAsksHowThenWhereAndOffersToShareTheFiles) {
+    QImage picture{40, 30, QImage::Format_RGB32};
+    picture.fill(Qt::red);
+    ASSERT_TRUE(picture.save(QString::fromStdString(m_card.at("a.jpg").path()), "JPEG"));
+    open({});
+    const auto choose = [this] {
+        auto* menu = find<QToolButton>("Copy Options")->menu();
+        emit menu->aboutToShow();
+        for (auto* action : menu->actions()) {
+            if (action->text() == "Export 1 Photo…") action->trigger();
+        }
+    };
+    press(Qt::Key_S);
+    choose();
+    ASSERT_NE(visibleButton("Export"), nullptr);
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(std::holds_alternative<CopyIdle>(m_library->copyState()));
+    choose();
+    press(Qt::Key_Return);
+    const TemporaryFolder destination;
+    m_chooser.answer(FolderChooser::Choice{destination.url(), false});
+    settle();
+    ASSERT_NE(visibleButton("Done"), nullptr);
+    visibleButton("Share…")->click();
+    ASSERT_EQ(m_sharePicker.requests.size(), 1U);
+    EXPECT_EQ(m_sharePicker.requests[0].files, std::vector{destination / "a.jpg"});
+    m_sharePicker.requests[0].onEnd(Failure{std::string{"Nobody answers."}});
+    press(Qt::Key_Return); // the alert, which came last
+    EXPECT_EQ(m_sharing.error(), "");
+    press(Qt::Key_Return);
+    EXPECT_TRUE(std::holds_alternative<CopyIdle>(m_library->copyState()));
 }
 
 TEST_F(RootViewTest, anErrorIsShownUntilItIsAcknowledged) {

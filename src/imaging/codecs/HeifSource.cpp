@@ -2,8 +2,7 @@
 
 #include "imaging/AreaScaler.h"
 #include "imaging/ColorTransform.h"
-
-#include <libheif/heif.h>
+#include "imaging/codecs/HeifObjects.h"
 
 #include <algorithm>
 #include <bit>
@@ -14,29 +13,18 @@
 namespace kelvara {
 namespace {
 
-struct Free {
-    void operator()(heif_context* context) const { heif_context_free(context); }
-    void operator()(heif_image_handle* handle) const { heif_image_handle_release(handle); }
-    void operator()(heif_image* image) const { heif_image_release(image); }
-    void operator()(heif_color_profile_nclx* profile) const { heif_nclx_color_profile_free(profile); }
-    void operator()(heif_decoding_options* options) const { heif_decoding_options_free(options); }
-};
-template <typename T> using Owned = std::unique_ptr<T, Free>;
-
-bool worked(const heif_error& error) { return error.code == heif_error_Ok; }
-
 PixelSize sizeOf(const heif_image_handle& handle) {
     return {heif_image_handle_get_width(&handle), heif_image_handle_get_height(&handle)};
 }
 
 /// Null when the picture names its colours in another way, or not.
-Owned<heif_color_profile_nclx> codePointsOf(const heif_image_handle& handle) {
+HeifOwned<heif_color_profile_nclx> codePointsOf(const heif_image_handle& handle) {
     heif_color_profile_nclx* nclx = nullptr;
     if (heif_image_handle_get_color_profile_type(&handle) != heif_color_profile_type_nclx ||
-        !worked(heif_image_handle_get_nclx_color_profile(&handle, &nclx))) {
+        !heifWorked(heif_image_handle_get_nclx_color_profile(&handle, &nclx))) {
         return nullptr;
     }
-    return Owned<heif_color_profile_nclx>{nclx};
+    return HeifOwned<heif_color_profile_nclx>{nclx};
 }
 
 /// Null when the picture doesn't name its colours.
@@ -45,7 +33,8 @@ ColorProfilePtr profileOf(const heif_image_handle& handle) {
         return ColorProfile::fromCodePoints(nclx->color_primaries, nclx->transfer_characteristics);
     }
     std::vector<std::uint8_t> icc(heif_image_handle_get_raw_color_profile_size(&handle));
-    if (icc.empty() || !worked(heif_image_handle_get_raw_color_profile(&handle, icc.data()))) return nullptr;
+    if (icc.empty() || !heifWorked(heif_image_handle_get_raw_color_profile(&handle, icc.data())))
+        return nullptr;
     auto profile = ColorProfile::fromIcc(icc);
     return profile && profile->model() == ColorProfile::Model::rgb ? profile : nullptr;
 }
@@ -79,7 +68,7 @@ void widenRow(const std::uint8_t* fromBytes, std::uint8_t* toBytes, int pixels, 
 /// pixels are upright already.
 class HeifSource : public ImageSource {
 public:
-    HeifSource(Owned<heif_context> context, Owned<heif_image_handle> primary)
+    HeifSource(HeifOwned<heif_context> context, HeifOwned<heif_image_handle> primary)
         : m_context{std::move(context)}, m_primary{std::move(primary)} {}
 
     [[nodiscard]] std::optional<PixelSize> pixelSize() const override { return sizeOf(*m_primary); }
@@ -110,24 +99,24 @@ private:
         return nclx && (nclx->transfer_characteristics == heif_transfer_characteristic_ITU_R_BT_2100_0_PQ ||
                         nclx->transfer_characteristics == heif_transfer_characteristic_ITU_R_BT_2100_0_HLG);
     }
-    [[nodiscard]] Owned<heif_image_handle> choosePreview(std::optional<int> maximum) const;
+    [[nodiscard]] HeifOwned<heif_image_handle> choosePreview(std::optional<int> maximum) const;
     [[nodiscard]] BitmapPtr decode(const heif_image_handle& handle, std::optional<int> maximum,
                                    PixelFormat format, const std::stop_token& stop) const;
 
-    Owned<heif_context> m_context;
-    Owned<heif_image_handle> m_primary;
+    HeifOwned<heif_context> m_context;
+    HeifOwned<heif_image_handle> m_primary;
 };
 
-Owned<heif_image_handle> HeifSource::choosePreview(std::optional<int> maximum) const {
+HeifOwned<heif_image_handle> HeifSource::choosePreview(std::optional<int> maximum) const {
     const int count = std::clamp(heif_image_handle_get_number_of_thumbnails(m_primary.get()), 0, 16);
     std::vector<heif_item_id> ids(static_cast<std::size_t>(count));
     ids.resize(static_cast<std::size_t>(
         heif_image_handle_get_list_of_thumbnail_IDs(m_primary.get(), ids.data(), count)));
-    Owned<heif_image_handle> best;
+    HeifOwned<heif_image_handle> best;
     for (const auto id : ids) {
         heif_image_handle* handle = nullptr;
-        if (!worked(heif_image_handle_get_thumbnail(m_primary.get(), id, &handle))) continue;
-        Owned<heif_image_handle> candidate{handle};
+        if (!heifWorked(heif_image_handle_get_thumbnail(m_primary.get(), id, &handle))) continue;
+        HeifOwned<heif_image_handle> candidate{handle};
         if (!best || isBetterPreview(sizeOf(*candidate), sizeOf(*best), maximum)) best = std::move(candidate);
     }
     return best;
@@ -137,17 +126,17 @@ BitmapPtr HeifSource::decode(const heif_image_handle& handle, std::optional<int>
                              const std::stop_token& stop) const {
     if (stop.stop_requested() || sizeOf(handle).pixels() > Bitmap::maximumPixels) return nullptr;
     const bool isDeep = format == PixelFormat::bgrx16;
-    const Owned<heif_decoding_options> options{heif_decoding_options_alloc()};
+    const HeifOwned<heif_decoding_options> options{heif_decoding_options_alloc()};
     options->convert_hdr_to_8bit = isDeep ? 0 : 1;
     constexpr auto deepChroma = std::endian::native == std::endian::little
                                     ? heif_chroma_interleaved_RRGGBBAA_LE
                                     : heif_chroma_interleaved_RRGGBBAA_BE;
     heif_image* decoded = nullptr;
-    if (!worked(heif_decode_image(&handle, &decoded, heif_colorspace_RGB,
-                                  isDeep ? deepChroma : heif_chroma_interleaved_RGBA, options.get()))) {
+    if (!heifWorked(heif_decode_image(&handle, &decoded, heif_colorspace_RGB,
+                                      isDeep ? deepChroma : heif_chroma_interleaved_RGBA, options.get()))) {
         return nullptr;
     }
-    const Owned<heif_image> image{decoded};
+    const HeifOwned<heif_image> image{decoded};
     int stride = 0;
     const auto* pixels = heif_image_get_plane_readonly(decoded, heif_channel_interleaved, &stride);
     const PixelSize given{heif_image_get_width(decoded, heif_channel_interleaved),
@@ -173,12 +162,12 @@ BitmapPtr HeifSource::decode(const heif_image_handle& handle, std::optional<int>
 } // namespace
 
 std::unique_ptr<ImageSource> openHeif(const FileURL& url) {
-    Owned<heif_context> context{heif_context_alloc()};
-    if (!context || !worked(heif_context_read_from_file(context.get(), url.path().c_str(), nullptr)))
+    HeifOwned<heif_context> context{heif_context_alloc()};
+    if (!context || !heifWorked(heif_context_read_from_file(context.get(), url.path().c_str(), nullptr)))
         return nullptr;
     heif_image_handle* primary = nullptr;
-    if (!worked(heif_context_get_primary_image_handle(context.get(), &primary))) return nullptr;
-    return std::make_unique<HeifSource>(std::move(context), Owned<heif_image_handle>{primary});
+    if (!heifWorked(heif_context_get_primary_image_handle(context.get(), &primary))) return nullptr;
+    return std::make_unique<HeifSource>(std::move(context), HeifOwned<heif_image_handle>{primary});
 }
 
 } // namespace kelvara

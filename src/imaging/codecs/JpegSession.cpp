@@ -16,9 +16,10 @@ constexpr int mostScans = 500;
 JpegSession::JpegSession(ByteRange bytes, std::stop_token stop) {
     m_input.bytes = std::move(bytes);
     m_progress.stop = std::move(stop);
-    m_state.err = jpeg_std_error(&m_error.manager);
-    m_error.manager.error_exit = fail;
-    m_error.manager.emit_message = silence;
+    m_state.err = jpeg_std_error(&m_errors);
+    m_errors.error_exit = giveUp;
+    m_errors.emit_message = silence;
+    m_state.client_data = this;
     guarded([this] { jpeg_create_decompress(&m_state); });
     m_input.manager.init_source = [](j_decompress_ptr) {};
     m_input.manager.fill_input_buffer = fill;
@@ -32,9 +33,7 @@ JpegSession::JpegSession(ByteRange bytes, std::stop_token stop) {
 
 JpegSession::~JpegSession() { jpeg_destroy_decompress(&m_state); }
 
-void JpegSession::fail(j_common_ptr state) {
-    std::longjmp(reinterpret_cast<Error*>(state->err)->jump, 1); // NOLINT: the library's own way out
-}
+void JpegSession::giveUp(j_common_ptr state) { static_cast<JpegSession*>(state->client_data)->fail(); }
 
 void JpegSession::silence(j_common_ptr state, int level) {
     if (level < 0) ++state->err->num_warnings;
@@ -43,7 +42,7 @@ void JpegSession::silence(j_common_ptr state, int level) {
 void JpegSession::checkProgress(j_common_ptr state) {
     const auto& progress = *reinterpret_cast<Progress*>(state->progress);
     const int scan = reinterpret_cast<j_decompress_ptr>(state)->input_scan_number;
-    if (scan > mostScans || progress.stop.stop_requested()) fail(state);
+    if (scan > mostScans || progress.stop.stop_requested()) giveUp(state);
 }
 
 boolean JpegSession::fill(j_decompress_ptr state) {

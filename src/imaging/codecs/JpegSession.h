@@ -1,9 +1,9 @@
 #pragma once
 
 #include "imaging/codecs/ByteSource.h"
+#include "imaging/codecs/JumpGuard.h"
 
 #include <array>
-#include <csetjmp>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -13,9 +13,8 @@
 
 namespace kelvara {
 
-/// One decompression by libjpeg that reads from a range of bytes. The library reports fatal errors by a jump,
-/// which never leaves `guarded`.
-class JpegSession {
+/// One decompression by libjpeg that reads from a range of bytes.
+class JpegSession : public JumpGuard {
 public:
     /// A stop makes the library give up between two rows, or two parts of a progressive file.
     explicit JpegSession(ByteRange bytes, std::stop_token stop = {});
@@ -25,24 +24,9 @@ public:
 
     [[nodiscard]] jpeg_decompress_struct& state() { return m_state; }
 
-    /// Runs `call`, which may call the library; false when the library gave up. As an error jumps over it,
-    /// `call` must own nothing: captures by reference and plain locals only.
-    template <typename Call> bool guarded(Call call) {
-        if (m_hasFailed || setjmp(m_error.jump) != 0) {
-            m_hasFailed = true;
-            return false;
-        }
-        call();
-        return true;
-    }
-
 private:
-    struct Error {
-        jpeg_error_mgr manager{}; // first, so that the library's pointer is also ours
-        std::jmp_buf jump{};
-    };
     struct Input {
-        jpeg_source_mgr manager{}; // first, for the same reason
+        jpeg_source_mgr manager{}; // first, so that the library's pointer is also ours
         ByteRange bytes;
         std::uint64_t position = 0;
         std::size_t nextFill = 4096; // headers are often all that is wanted, and cards are slow
@@ -52,17 +36,16 @@ private:
         jpeg_progress_mgr manager{}; // first, for the same reason
         std::stop_token stop;
     };
-    static void fail(j_common_ptr state);
+    static void giveUp(j_common_ptr state);
     static void silence(j_common_ptr state, int level);
     static void checkProgress(j_common_ptr state);
     static boolean fill(j_decompress_ptr state);
     static void skip(j_decompress_ptr state, long count);
 
     jpeg_decompress_struct m_state{};
-    Error m_error;
+    jpeg_error_mgr m_errors{};
     Input m_input;
     Progress m_progress;
-    bool m_hasFailed = false;
 };
 
 } // namespace kelvara

@@ -16,9 +16,10 @@ constexpr std::string_view unread{"iTXt\0tEXt\0zTXt\0sPLT\0hIST\0pCAL\0sCAL\0oFF
 } // namespace
 
 PngSession::PngSession(ByteRange bytes) : m_bytes{std::move(bytes)} {
-    m_state = png_create_read_struct(PNG_LIBPNG_VER_STRING, this, fail, [](png_structp, png_const_charp) {});
+    m_state =
+        png_create_read_struct(PNG_LIBPNG_VER_STRING, this, giveUp, [](png_structp, png_const_charp) {});
     if (m_state) m_info = png_create_info_struct(m_state);
-    m_hasFailed = !m_info;
+    if (!m_info) refuse();
     guarded([this] {
         png_set_read_fn(m_state, this, read);
         png_set_chunk_malloc_max(m_state, mostChunkBytes);
@@ -31,9 +32,8 @@ PngSession::PngSession(ByteRange bytes) : m_bytes{std::move(bytes)} {
 
 PngSession::~PngSession() { png_destroy_read_struct(&m_state, &m_info, nullptr); }
 
-void PngSession::fail(png_structp state, png_const_charp) {
-    auto* session = static_cast<PngSession*>(png_get_error_ptr(state));
-    std::longjmp(session->m_jump, 1); // NOLINT: the library's own way out
+void PngSession::giveUp(png_structp state, png_const_charp) {
+    static_cast<PngSession*>(png_get_error_ptr(state))->fail();
 }
 
 void PngSession::read(png_structp state, png_bytep to, std::size_t count) {

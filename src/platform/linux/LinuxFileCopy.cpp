@@ -97,7 +97,8 @@ Result<std::unique_ptr<PendingCopy>, FileError> LinuxFileSystem::copyFile(const 
                                                                           std::stop_token stop) {
     const auto source = openSource(from);
     if (!source) return Failure{source.error()};
-    auto target = LockedFile::create(temporary);
+    // Unreadable to others until it has its final permissions.
+    auto target = LockedFile::create(temporary, 0600);
     if (!target) return Failure{target.error()};
 
     const ByteCopy copy{from, temporary, source->file, target->file(), source->values.st_size, stop};
@@ -107,6 +108,15 @@ Result<std::unique_ptr<PendingCopy>, FileError> LinuxFileSystem::copyFile(const 
     // The medium begins to write now, so that syncing a few copies later waits for little.
     (void)::sync_file_range(target->file().get(), 0, 0, SYNC_FILE_RANGE_WRITE);
     return std::unique_ptr<PendingCopy>{new LinuxFileCopy{std::move(*target), *copied}};
+}
+
+Result<std::unique_ptr<PendingCopy>, FileError> LinuxFileSystem::createFile(const FileURL& temporary,
+                                                                            std::string_view bytes) {
+    auto file = LockedFile::create(temporary, 0666);
+    if (!file) return Failure{file.error()};
+    if (!writeAll(file->file(), bytes)) return Failure{fileError(temporary)};
+    const CopiedBytes written{static_cast<std::int64_t>(bytes.size()), {}};
+    return std::unique_ptr<PendingCopy>{new LinuxFileCopy{std::move(*file), written}};
 }
 
 Result<bool, FileError> LinuxFileSystem::haveSameContents(const FileURL& file, const FileURL& onMedium,

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <filesystem>
 #include <limits>
 #include <sys/statvfs.h>
 
@@ -61,6 +62,28 @@ Result<void, FileError> LinuxFileSystem::createFolders(const FileURL& folder) {
     return {};
 }
 
+Result<void, FileError> LinuxFileSystem::createPrivateFolder(const FileURL& folder) {
+    if (::mkdir(folder.path().c_str(), S_IRWXU) == 0) return {};
+    if (errno != EEXIST) return Failure{fileError(folder)};
+    struct stat values {};
+    if (::lstat(folder.path().c_str(), &values) != 0) return Failure{fileError(folder)};
+    if (!S_ISDIR(values.st_mode)) return Failure{fileError(folder, ENOTDIR)};
+    const bool isPrivate = values.st_uid == ::geteuid() && (values.st_mode & (S_IRWXG | S_IRWXO)) == 0;
+    if (!isPrivate) return Failure{fileError(folder, EACCES)};
+    return {};
+}
+
+Result<std::vector<FileURL>, FileError> LinuxFileSystem::entries(const FileURL& folder) const {
+    std::vector<FileURL> found;
+    std::error_code code;
+    for (std::filesystem::directory_iterator entry{folder.path(), code}, end; !code && entry != end;
+         entry.increment(code)) {
+        found.push_back(folder.child(entry->path().filename().native()));
+    }
+    if (code) return Failure{FileError{folder, code}};
+    return found;
+}
+
 Result<void, FileError> LinuxFileSystem::syncNames(const FileURL& folder) {
     if (!syncFolder(folder)) return Failure{fileError(folder)};
     return {};
@@ -68,6 +91,13 @@ Result<void, FileError> LinuxFileSystem::syncNames(const FileURL& folder) {
 
 Result<void, FileError> LinuxFileSystem::removeFile(const FileURL& url) {
     if (::unlink(url.path().c_str()) != 0) return Failure{fileError(url)};
+    return {};
+}
+
+Result<void, FileError> LinuxFileSystem::removeAll(const FileURL& url) {
+    std::error_code code;
+    std::filesystem::remove_all(url.path(), code);
+    if (code) return Failure{FileError{url, code}};
     return {};
 }
 

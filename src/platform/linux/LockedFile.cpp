@@ -45,12 +45,11 @@ int eraseAbandoned(const FileURL& url) {
 
 } // namespace
 
-Result<LockedFile, FileError> LockedFile::create(const FileURL& url) {
+Result<LockedFile, FileError> LockedFile::create(const FileURL& url, mode_t mode) {
     constexpr int attempts = 100; // each but the first is lost to somebody else who does the same
     for (int i = 0; i < attempts; ++i) {
-        // Unreadable to others until it has its final permissions.
         constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-        FileDescriptor file{::open(url.path().c_str(), flags, 0600)};
+        FileDescriptor file{::open(url.path().c_str(), flags, mode)};
         if (!file.isOpen() && errno != EEXIST) return Failure{fileError(url)};
         if (!file.isOpen()) {
             if (const int reason = eraseAbandoned(url); reason != 0) return Failure{fileError(url, reason)};

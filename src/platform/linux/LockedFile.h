@@ -4,15 +4,18 @@
 #include "platform/FileSystem.h"
 #include "platform/linux/FileDescriptor.h"
 
+#include <sys/types.h>
+
 namespace kelvara {
 
 /// A new file that its maker alone writes, in all processes: a lock on it says that the maker is alive. It is
 /// erased with this object unless it was moved.
 class LockedFile {
 public:
+    /// Its permissions are `mode` without what the process withholds from new files.
     /// Replaces a file there that nobody holds any more, or a link. Fails with EBUSY where somebody holds it,
     /// and with EEXIST where something else is.
-    [[nodiscard]] static Result<LockedFile, FileError> create(const FileURL& url);
+    [[nodiscard]] static Result<LockedFile, FileError> create(const FileURL& url, mode_t mode);
 
     LockedFile(LockedFile&&) noexcept = default;
     LockedFile& operator=(LockedFile&&) = delete;

@@ -1,6 +1,6 @@
 #include "services/metadata/ExifReader.h"
 
-#include "services/metadata/LoadedMetadata.h"
+#include "imaging/metadata/LoadedMetadata.h"
 #include "services/metadata/MetadataValues.h"
 
 #include <algorithm>

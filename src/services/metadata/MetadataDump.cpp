@@ -2,7 +2,7 @@
 
 #include "model/ExifInfo.h"
 #include "services/metadata/ExifReader.h"
-#include "services/metadata/LoadedMetadata.h"
+#include "imaging/metadata/LoadedMetadata.h"
 #include "services/metadata/MetadataValues.h"
 
 #include <algorithm>

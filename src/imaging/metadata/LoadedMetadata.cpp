@@ -1,12 +1,12 @@
-#include "services/metadata/LoadedMetadata.h"
+#include "imaging/metadata/LoadedMetadata.h"
 
 #include "imaging/codecs/Exiv2Setup.h"
 #include "imaging/codecs/ImageSource.h"
 #include "imaging/codecs/RangeIo.h"
 #include "imaging/codecs/RawLayout.h"
+#include "imaging/metadata/OtherLibraries.h"
+#include "imaging/metadata/TiffExcerpt.h"
 #include "model/MediaKind.h"
-#include "services/metadata/OtherLibraries.h"
-#include "services/metadata/TiffExcerpt.h"
 
 #include <exception>
 #include <memory>

@@ -1,6 +1,7 @@
-#include "services/metadata/OtherLibraries.h"
+#include "imaging/metadata/OtherLibraries.h"
 
-#include <libheif/heif.h>
+#include "imaging/codecs/HeifObjects.h"
+
 #include <libraw/libraw.h>
 
 #include <chrono>
@@ -14,30 +15,22 @@
 namespace kelvara {
 namespace {
 
-struct Free {
-    void operator()(heif_context* context) const { heif_context_free(context); }
-    void operator()(heif_image_handle* handle) const { heif_image_handle_release(handle); }
-};
-template <typename T> using Owned = std::unique_ptr<T, Free>;
-
 constexpr std::size_t largestBlock = std::size_t{8} * 1024 * 1024;
-
-bool worked(const heif_error& error) { return error.code == heif_error_Ok; }
 
 /// The EXIF item of the primary picture; empty when there is none.
 std::vector<std::uint8_t> exifItem(const FileURL& url) {
-    const Owned<heif_context> context{heif_context_alloc()};
-    if (!context || !worked(heif_context_read_from_file(context.get(), url.path().c_str(), nullptr)))
+    const HeifOwned<heif_context> context{heif_context_alloc()};
+    if (!context || !heifWorked(heif_context_read_from_file(context.get(), url.path().c_str(), nullptr)))
         return {};
     heif_image_handle* handle = nullptr;
-    if (!worked(heif_context_get_primary_image_handle(context.get(), &handle))) return {};
-    const Owned<heif_image_handle> primary{handle};
+    if (!heifWorked(heif_context_get_primary_image_handle(context.get(), &handle))) return {};
+    const HeifOwned<heif_image_handle> primary{handle};
     heif_item_id id = 0;
     if (heif_image_handle_get_list_of_metadata_block_IDs(handle, "Exif", &id, 1) != 1) return {};
     const auto size = heif_image_handle_get_metadata_size(handle, id);
     if (size == 0 || size > largestBlock) return {};
     std::vector<std::uint8_t> item(size);
-    if (!worked(heif_image_handle_get_metadata(handle, id, item.data()))) return {};
+    if (!heifWorked(heif_image_handle_get_metadata(handle, id, item.data()))) return {};
     return item;
 }
 

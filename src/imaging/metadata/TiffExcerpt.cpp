@@ -1,4 +1,4 @@
-#include "services/metadata/TiffExcerpt.h"
+#include "imaging/metadata/TiffExcerpt.h"
 
 #include "imaging/codecs/TiffReader.h"
 #include "imaging/codecs/TiffTags.h"
