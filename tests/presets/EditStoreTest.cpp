@@ -1,6 +1,10 @@
 #include "presets/EditStore.h"
+#include "async/ThreadPool.h"
+#include "platform/linux/LinuxFileSystem.h"
 #include "support/FakeFileSystem.h"
 #include "support/ManualExecutor.h"
+#include "support/TemporaryFolder.h"
+#include "support/WaitingExecutor.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -241,6 +245,30 @@ TEST_F(EditStoreTest, photosAreDrawnWithPresetAndEdits) {
     EXPECT_EQ(store().exportLook(preset, raw)->revision, store().exportLook(preset, jpeg)->revision);
     EXPECT_EQ(store().exportLook(preset, other)->revision, preset->revision);
     EXPECT_FALSE(store().exportLook(std::nullopt, raw)->adjustments.isIdentity);
+}
+
+TEST(EditStoreThreadsTest, storesThatSaveAtOnceLoseNothing) {
+    const TemporaryFolder folder;
+    const auto file = folder.at("new/Edits.json");
+    constexpr int photos = 20;
+    LinuxFileSystem files;
+    WaitingExecutor main;
+    const auto atOnce = [&main](std::chrono::milliseconds, std::function<void()> job) {
+        main.post(std::move(job));
+    };
+    {
+        ThreadPool writer{1, ThreadPool::AtEnd::finish}, otherWriter{1, ThreadPool::AtEnd::finish};
+        EditStore store{files, file, writer, main, atOnce},
+            otherStore{files, file, otherWriter, main, atOnce};
+        for (int i = 0; i < photos; ++i) {
+            store.setAdjustments(light(1), folder.at("a" + std::to_string(i)));
+            otherStore.setAdjustments(light(2), folder.at("b" + std::to_string(i)));
+            for (int job = 0; job < 2; ++job) main.runOne(); // the two alarms are among what there is
+        }
+    }
+    const auto found = EditFile::read(files, file);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->size(), 2 * photos);
 }
 
 } // namespace
