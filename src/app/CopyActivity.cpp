@@ -35,7 +35,9 @@ CopyActivity::~CopyActivity() {
 void CopyActivity::refresh() {
     const auto wasCopying = std::exchange(m_isCopying, m_library.isCopying());
     if (const auto* progress = std::get_if<CopyService::Progress>(&m_library.copyState())) {
-        if (!wasCopying) m_sleep.hold(utf8(tr("Photos are being copied")));
+        const auto isExport = m_library.copyExport().has_value();
+        const auto reason = isExport ? tr("Photos are being exported") : tr("Photos are being copied");
+        if (!wasCopying) m_sleep.hold(utf8(reason));
         m_indicator.show(completedShare(*progress));
     } else if (wasCopying) {
         end();
@@ -52,7 +54,7 @@ void CopyActivity::tellEnd() {
     const auto& state = m_library.copyState();
     if (const auto* report = std::get_if<CopyService::Report>(&state)) {
         QStringList counts;
-        for (const auto& row : copyReportRows(*report, m_library.isCopyVerified())) counts.append(row.count);
+        for (const auto& row : copyReportRows(*report, copyKind(m_library))) counts.append(row.count);
         const auto title = copyReportTitle(*report, !m_library.copyInterruption().empty());
         m_notifier.notify({utf8(title), utf8(counts.join(QStringLiteral(" · ")))});
     } else if (const auto* failed = std::get_if<CopyFailed>(&state)) {

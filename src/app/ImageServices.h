@@ -2,6 +2,7 @@
 
 #include "async/PriorityLanes.h"
 #include "async/ThreadPool.h"
+#include "presets/PresetRenderer.h"
 #include "services/MetadataService.h"
 #include "services/PresetTileService.h"
 #include "services/PreviewService.h"
@@ -22,8 +23,10 @@ public:
     [[nodiscard]] PreviewService& previews() { return m_previews; }
     [[nodiscard]] MetadataService& metadata() { return m_metadata; }
     [[nodiscard]] PresetTileService& presetTiles() { return m_presetTiles; }
+    /// Draws thumbnails, behind everything that `rendering` has to do.
+    [[nodiscard]] PresetRenderer& thumbnailRenderer() { return m_thumbnailRenderer; }
     /// For preparing large pictures off the main thread.
-    [[nodiscard]] Executor& rendering() { return m_rendering; }
+    [[nodiscard]] Executor& rendering() { return m_renderingLanes.urgent(); }
     /// The files may be others from now on.
     void emptyCaches();
     /// Only the pictures: they are in the colours of another screen.
@@ -34,11 +37,14 @@ public:
 private:
     ThreadPool m_decoding;
     ThreadPool m_rendering;
-    PriorityLanes m_lanes; // into m_decoding
+    PriorityLanes m_lanes;          // into m_decoding
+    PriorityLanes m_renderingLanes; // into m_rendering
+    ImageExecutors m_executors;
     ThumbnailService m_thumbnails;
     PreviewService m_previews;
     MetadataService m_metadata;
     PresetTileService m_presetTiles;
+    PresetRenderer m_thumbnailRenderer;
 };
 
 } // namespace kelvara

@@ -1,5 +1,6 @@
 #include "app/KelvaraApp.h"
 
+#include "views/EditInspector.h"
 #include "views/LoupeView.h"
 #include "views/MetadataInspector.h"
 #include "views/PhotoGridView.h"
@@ -100,6 +101,7 @@ KelvaraApp::KelvaraApp(const Options& options)
         RootView::Services{.library = *m_library,
                            .presets = m_presets,
                            .edits = m_edits,
+                           .editHistory = m_editHistory,
                            .preferences = m_preferences,
                            .desktop = m_desktop,
                            .sideWindows = m_sideWindows,
@@ -113,6 +115,7 @@ KelvaraApp::KelvaraApp(const Options& options)
     m_copyActivity =
         std::make_unique<CopyActivity>(*m_library, m_launcherProgress, m_sleepInhibitor, m_notifier,
                                        [] { return QApplication::activeWindow() != nullptr; });
+    QObject::connect(m_editInspector, &EditInspector::chosen, m_window.get(), &RootView::perform);
     connectPresets();
     m_screenColors = std::make_unique<ScreenColorSpaceObserver>(
         *m_window, QDBusConnection::systemBus(), m_files, m_background, m_main, [this] { reloadPictures(); });
@@ -123,24 +126,35 @@ KelvaraApp::KelvaraApp(const Options& options)
 KelvaraApp::~KelvaraApp() = default;
 
 PhotoCanvases KelvaraApp::makeCanvases() {
-    m_grid = new PhotoGridView{*m_library, m_images.thumbnails(), m_images.metadata(), m_preferences};
+    const ThumbnailSources thumbnails{m_images.thumbnails(), m_edits, m_images.thumbnailRenderer()};
+    m_grid = new PhotoGridView{*m_library, thumbnails, m_images.metadata(), m_preferences};
     m_gridInfo =
         m_settings.observe({Setting::gridShowsInfo}, [this](const auto&) { m_grid->readPreferences(); });
-    m_loupe = new LoupeView{*m_library, m_images.thumbnails(), m_images.previews(),  m_images.metadata(),
-                            m_presets,  m_presetRenderer,      m_images.rendering(), m_main};
+    m_loupe = new LoupeView{*m_library, thumbnails, m_images.previews(), m_images.metadata(),
+                            m_presets,  m_edits,    m_presetRenderer,    m_images.rendering(),
+                            m_main};
     auto* info = new MetadataInspector{*m_library, m_images.metadata()};
     m_presetInspector =
         new PresetInspector{*m_library, m_presets, m_images.thumbnails(), m_images.presetTiles()};
+    m_editInspector = new EditInspector{{.library = *m_library,
+                                         .presets = m_presets,
+                                         .edits = m_editHistory,
+                                         .preferences = m_preferences,
+                                         .loupe = *m_loupe,
+                                         .rendering = m_images.rendering(),
+                                         .main = m_main}};
     return {.grid = m_grid,
             .setThumbnailSize = [grid = m_grid](double side) { grid->setThumbnailSize(side); },
             .isGridLoading = [grid = m_grid] { return grid->isLoading(); },
             .loupe = m_loupe,
             .isLoupeLoading = [loupe = m_loupe] { return loupe->isLoading(); },
             .togglePresetBefore = [loupe = m_loupe] { loupe->toggleBefore(); },
-            .inspector = {.info = info, .presets = m_presetInspector},
+            .inspector = {.info = info, .edit = m_editInspector, .presets = m_presetInspector},
             .isInspectorLoading =
-                [info, presets = m_presetInspector] { return info->isLoading() || presets->isLoading(); },
-            .thumbnails = &m_images.thumbnails()};
+                [info, edit = m_editInspector, presets = m_presetInspector] {
+                    return info->isLoading() || edit->isLoading() || presets->isLoading();
+                },
+            .thumbnails = thumbnails};
 }
 
 void KelvaraApp::connectPresets() {

@@ -21,6 +21,7 @@
 #include "platform/linux/QtMainExecutor.h"
 #include "platform/linux/SettingsPreferences.h"
 #include "platform/linux/UDisksVolumes.h"
+#include "presets/EditHistory.h"
 #include "presets/EditStore.h"
 #include "presets/PresetRenderer.h"
 #include "presets/PresetStore.h"
@@ -39,6 +40,7 @@
 
 namespace kelvara {
 
+class EditInspector;
 class LoupeView;
 class PhotoGridView;
 class PresetInspector;
@@ -96,6 +98,7 @@ private:
     PresetRenderer m_presetRenderer;
     ThreadPool m_editWrites;
     EditStore m_edits;
+    EditHistory m_editHistory{m_edits};
     ThreadPool m_sidecarWrites;
     SharingController m_sharing;
     SideWindows m_sideWindows;
@@ -104,6 +107,7 @@ private:
     PhotoGridView* m_grid = nullptr;              // the window's
     LoupeView* m_loupe = nullptr;                 // the window's
     PresetInspector* m_presetInspector = nullptr; // the window's
+    EditInspector* m_editInspector = nullptr;     // the window's
     std::unique_ptr<CopyActivity> m_copyActivity;
     std::unique_ptr<ScreenColorSpaceObserver> m_screenColors;
     Subscription m_gridInfo;

@@ -1,12 +1,16 @@
 #include "app/Screenshots.h"
 
+#include "presets/EditHistory.h"
+#include "presets/EditStore.h"
 #include "presets/PresetStore.h"
+#include "views/HistogramView.h"
 #include "views/SideWindow.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QPixmap>
 
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <utility>
@@ -53,11 +57,55 @@ void leavePresets(LibraryViewModel& library, RootView& root) {
     library.showGrid();
 }
 
+void showEdits(LibraryViewModel& library, RootView& root) {
+    openPhoto(library, root);
+    if (library.inspectorTab() != InspectorTab::edit) library.toggleInspector(InspectorTab::edit);
+    LightAdjustments light;
+    const std::array amounts{0.6, 12.0, -45.0, 38.0, 14.0, -10.0};
+    for (const auto slider : LightAdjustments::sliders)
+        light.set(slider, amounts[static_cast<std::size_t>(slider)]);
+    root.edits().setAutomatic(light, library.focusedID());
+}
+
+void leaveEdits(LibraryViewModel& library, RootView& root) {
+    root.edits().reset(library.focusedID());
+    library.toggleInspector(InspectorTab::info);
+    library.showGrid();
+}
+
 void toggleMarks(LibraryViewModel& library) {
     for (const std::size_t index : {1U, 2U, 5U, 8U}) {
         if (index < library.visibleItems().size())
             library.toggleChecked(FileURL{library.visibleItems()[index].url});
     }
+}
+
+/// Every other photo, brighter or darker by `exposure`.
+void editPhotos(LibraryViewModel& library, RootView& root, double exposure) {
+    LightAdjustments edits;
+    for (std::size_t index = 0; index < library.visibleItems().size(); index += 2) {
+        edits.set(LightAdjustments::Slider::exposure, exposure * (index % 4 == 0 ? 1 : -1));
+        root.edits().store().setAdjustments(edits, library.visibleItems()[index].url);
+    }
+}
+
+/// Asks how the marked photos are exported, through a preset.
+void showExport(LibraryViewModel& library, RootView& root, ExportSettings::Format format) {
+    toggleMarks(library);
+    root.presets().select("builtin/amber-and-teal");
+    root.presets().setAmount(0.8);
+    ExportSettings settings;
+    settings.format = format;
+    library.setExportSettings(settings);
+    library.showExportOptions(library.markedItems(), ExportLook{*root.presets().selectedPreset(), {}});
+}
+
+void leaveExport(LibraryViewModel& library, RootView& root) {
+    library.dismissCopy();
+    library.clearMarks();
+    library.setExportSettings({});
+    root.presets().select({});
+    root.presets().setAmount(1);
 }
 
 SideWindow* sideWindow() {
@@ -82,6 +130,15 @@ std::vector<Screenshots::State> Screenshots::allStates() {
         {QStringLiteral("grid"), nothing, nothing},
         {QStringLiteral("marked"), [](auto& library, auto&) { toggleMarks(library); },
          [](auto& library, auto&) { library.clearMarks(); }},
+        {QStringLiteral("edited"),
+         [](auto& library, auto& root) {
+             toggleMarks(library);
+             editPhotos(library, root, 1);
+         },
+         [](auto& library, auto& root) {
+             editPhotos(library, root, 0);
+             library.clearMarks();
+         }},
         {QStringLiteral("copied"),
          [](auto& library, auto&) {
              toggleMarks(library);
@@ -91,6 +148,18 @@ std::vector<Screenshots::State> Screenshots::allStates() {
              library.dismissCopy();
              library.clearMarks();
          }},
+        {QStringLiteral("export"),
+         [](auto& library, auto& root) { showExport(library, root, ExportSettings::Format::jpeg); },
+         leaveExport},
+        {QStringLiteral("export-png"),
+         [](auto& library, auto& root) { showExport(library, root, ExportSettings::Format::png); },
+         leaveExport},
+        {QStringLiteral("exported"),
+         [](auto& library, auto& root) {
+             showExport(library, root, ExportSettings::Format::jpeg);
+             library.startCopy(CopyService::Export{library.pendingExportLook(), library.exportSettings()});
+         },
+         leaveExport},
         {QStringLiteral("delete"),
          [](auto& library, auto& root) {
              toggleMarks(library);
@@ -156,6 +225,18 @@ std::vector<Screenshots::State> Screenshots::allStates() {
              root.presets().setSearchText("sunset");
          },
          leavePresets},
+        {QStringLiteral("edit"), showEdits, leaveEdits},
+        {QStringLiteral("edit-clipping"),
+         [](auto& library, auto& root) {
+             showEdits(library, root);
+             root.edits().setSlider(LightAdjustments::Slider::exposure, 2, library.focusedID());
+             root.edits().setSlider(LightAdjustments::Slider::contrast, 100, library.focusedID());
+             for (auto* mark : root.template findChildren<ClippingMark*>()) mark->setChecked(true);
+         },
+         [](auto& library, auto& root) {
+             for (auto* mark : root.template findChildren<ClippingMark*>()) mark->setChecked(false);
+             leaveEdits(library, root);
+         }},
         window(QStringLiteral("settings"), Kind::showSettings),
         window(QStringLiteral("shortcuts"), Kind::showShortcuts),
         window(QStringLiteral("support"), Kind::showSupport),

@@ -1,6 +1,5 @@
 #include "cli/LookCommand.h"
 
-#include "cli/PresetArgument.h"
 #include "presets/NumberText.h"
 
 #include <CLI/CLI.hpp>
@@ -44,13 +43,8 @@ Result<std::vector<RGB>, CommandError> parsedColors(const std::string& text) {
 } // namespace
 
 LookCommand::LookCommand(CLI::App& app, const FileSystem& files)
-    : Command{app, "look", "Show what a develop preset makes of colours"}, m_files{files} {
-    m_command->add_option("--preset", m_preset, "An .lrtemplate or .xmp file")
-        ->required()
-        ->option_text("FILE");
-    m_command->add_option("--amount", m_amount, "The preset's strength, 0 to 1")
-        ->check(CLI::Range(0.0, 1.0))
-        ->option_text("NUMBER");
+    : Command{app, "look", "Show what a develop preset makes of colours"}, m_files{files},
+      m_preset{*m_command, PresetArgument::Need::required} {
     m_command->add_option("--colors", m_colors, "A file with red, green and blue, 0 to 1, on every line")
         ->required()
         ->option_text("FILE");
@@ -58,7 +52,7 @@ LookCommand::LookCommand(CLI::App& app, const FileSystem& files)
 
 ExitCode LookCommand::run() const {
     const auto fail = [](const CommandError& error) { return printError(error.text), error.code; };
-    const auto preset = loadedPreset(m_preset);
+    const auto preset = m_preset.load();
     if (!preset) return fail(preset.error());
     const auto file = resolved(m_colors);
     if (!file) return fail(file.error());
@@ -67,7 +61,7 @@ ExitCode LookCommand::run() const {
     auto colors = parsedColors(*bytes);
     if (!colors) return fail(colors.error());
 
-    const auto applied = preset->withAmount(m_amount);
+    const auto& applied = **preset;
     for (auto& color : *colors) color = applied.apply(color);
     if (m_asJSON) {
         printJSON({{"title", applied.titleWithAmount()}, {"colors", *colors}});

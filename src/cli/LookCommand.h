@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/Command.h"
+#include "cli/PresetArgument.h"
 #include "platform/FileSystem.h"
 
 namespace kelvara::cli {
@@ -14,9 +15,8 @@ public:
 
 private:
     const FileSystem& m_files;
-    std::string m_preset;
+    PresetArgument m_preset;
     std::string m_colors;
-    double m_amount = 1;
 };
 
 } // namespace kelvara::cli

@@ -2,7 +2,7 @@
 
 #include "cli/InterruptWatch.h"
 #include "cli/MediaFolder.h"
-#include "imaging/ImageDecoder.h"
+#include "cli/PictureReading.h"
 #include "imaging/writing/Encoders.h"
 
 #include <CLI/CLI.hpp>
@@ -56,15 +56,10 @@ ExitCode PictureCommand::make(std::optional<int> size, const Change& change) con
 
     const InterruptWatch interrupt;
     const auto& stop = interrupt.token();
-    // Where no screen has been seen, the display's colours are sRGB.
-    const auto original =
-        ImageDecoder::prepareForDisplay(ImageDecoder::decodeOriginal(*file, size, stop), stop);
-    const auto picture = original ? change(original, stop) : nullptr;
+    const auto original = pictureIn(*file, size, stop);
+    if (!original) return printError(original.error().text), original.error().code;
+    const auto picture = change(*original, stop);
     if (stop.stop_requested()) return printError("Cancelled"), ExitCode::interrupted;
-    if (!original) {
-        return fail(
-            fmt::format("Can't read {}. The file may be damaged or in an unsupported format.", file->name()));
-    }
     if (!picture) return fail("There is not enough memory.");
     const auto bytes = encoded(*picture, isPNG(*output), stop);
     if (!bytes) return fail("The picture couldn't be encoded.");

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "cli/LightArgument.h"
 #include "cli/PictureCommand.h"
-
-#include <string>
+#include "cli/PresetArgument.h"
 
 namespace kelvara::cli {
 
-/// `kelvara-cli render`: a photo through a develop preset.
+/// `kelvara-cli render`: a photo through a develop preset and light edits.
 class RenderCommand : public PictureCommand {
 public:
     /// Both outlive it.
@@ -14,8 +14,8 @@ public:
     [[nodiscard]] ExitCode run() const override;
 
 private:
-    std::string m_preset;
-    double m_amount = 1;
+    PresetArgument m_preset;
+    LightArgument m_light;
     int m_size = 0; ///< 0 for the photo's own.
 };
 

@@ -1,5 +1,8 @@
+#include "cli/AutoToneCommand.h"
 #include "cli/CopyCommand.h"
 #include "cli/DeleteCommand.h"
+#include "cli/EditsCommand.h"
+#include "cli/ExportCommand.h"
 #include "cli/ListCommand.h"
 #include "cli/LookCommand.h"
 #include "cli/MetadataCommand.h"
@@ -24,7 +27,7 @@ using namespace kelvara::cli;
 
 int main(int argc, char** argv) {
     CLI::App app{
-        "Lists, copies, rates, describes and deletes the photos of a memory card or folder, as Kelvara does.",
+        "Lists, copies, exports, rates, describes and deletes the photos of a memory card or folder, as Kelvara does.",
         "kelvara-cli"};
     app.set_version_flag("--version", "kelvara-cli " KELVARA_VERSION);
     app.require_subcommand(1);
@@ -33,6 +36,7 @@ int main(int argc, char** argv) {
     std::vector<std::unique_ptr<const Command>> commands;
     commands.push_back(std::make_unique<ListCommand>(app, files));
     commands.push_back(std::make_unique<CopyCommand>(app, files));
+    commands.push_back(std::make_unique<ExportCommand>(app, files));
     commands.push_back(std::make_unique<DeleteCommand>(app, files, trash));
     commands.push_back(std::make_unique<RateCommand>(app, files));
     commands.push_back(std::make_unique<RatingsCommand>(app, files));
@@ -41,6 +45,8 @@ int main(int argc, char** argv) {
     commands.push_back(std::make_unique<PresetCommand>(app));
     commands.push_back(std::make_unique<LookCommand>(app, files));
     commands.push_back(std::make_unique<RenderCommand>(app, files));
+    commands.push_back(std::make_unique<AutoToneCommand>(app));
+    commands.push_back(std::make_unique<EditsCommand>(app, files));
 #ifdef KELVARA_CLI_VOLUMES
     commands.push_back(std::make_unique<VolumesCommand>(app));
     commands.push_back(std::make_unique<EjectCommand>(app));

@@ -1,9 +1,10 @@
-// LibraryViewModel: copying the marked files.
+// LibraryViewModel: copying the marked files, and exporting photos.
 
 #include "async/NewestValue.h"
 #include "library/CopiedItems.h"
 #include "library/LibraryViewModel.h"
 #include "library/PreferenceKeys.h"
+#include "model/OneImagePerShot.h"
 #include "platform/AnalyticsClient.h"
 #include "platform/Desktop.h"
 #include "platform/FolderChooser.h"
@@ -11,6 +12,7 @@
 #include "text/Localized.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace kelvara {
 
@@ -21,6 +23,14 @@ CopyService::Report cancelledReport(const FileURL& destination) {
     report.destination = destination;
     report.wasCancelled = true;
     return report;
+}
+
+/// What is known before the plan is made, which takes a while for many files.
+CopyService::Progress beginning(const std::vector<PhotoItem>& items) {
+    CopyService::Progress progress;
+    progress.totalFiles = std::ssize(items);
+    for (const auto& item : items) progress.totalBytes += item.fileSize;
+    return progress;
 }
 
 } // namespace
@@ -59,48 +69,58 @@ void LibraryViewModel::chooseCopyDestination(std::function<void()> onChosen) {
 
 void LibraryViewModel::startCopy(std::optional<CopyService::Export> exportAs,
                                  std::optional<SharePicker::Anchor> sharingFrom) {
-    static_cast<void>(exportAs);
-    static_cast<void>(sharingFrom);
     if (isCopying()) return;
-    if (m_checked.empty() || isDeleting()) { // a file that goes can't be copied
+    const bool hasNone = exportAs ? m_exportItems.empty() : m_checked.empty();
+    if (hasNone || isDeleting()) { // a file that goes can't be copied
         m_services.desktop.beep();
         return;
     }
-    if (m_copyDestination.isEmpty()) {
-        chooseCopyDestination([this] { runCopy(); });
+    if (m_copyDestination.isEmpty() && !sharingFrom) {
+        chooseCopyDestination([this, exportAs = std::move(exportAs)] { runCopy(exportAs, {}); });
     } else {
-        runCopy();
+        runCopy(exportAs, sharingFrom);
     }
 }
 
-CopyService::PlanRequest LibraryViewModel::copyRequest() const {
-    CopyService::PlanRequest request{.items = {},
-                                     .destination = m_copyDestination,
-                                     .source = std::nullopt,
-                                     .intoDateFolders = m_copiesIntoDateFolders,
-                                     .verifies = m_verifiesCopies};
-    request.items.reserve(m_checked.size());
+std::vector<PhotoItem> LibraryViewModel::markedItems() const {
+    std::vector<PhotoItem> items;
+    items.reserve(m_checked.size());
     for (const auto position : m_sortedPositions) {
-        if (m_checked.isChecked(position)) request.items.push_back((*m_items)[position]);
+        if (m_checked.isChecked(position)) items.push_back((*m_items)[position]);
     }
+    return items;
+}
+
+CopyService::PlanRequest LibraryViewModel::copyRequest(const std::optional<CopyService::Export>& exportAs,
+                                                       bool isForSharing) const {
+    CopyService::PlanRequest request{.items = exportAs ? oneImagePerShot(m_exportItems) : markedItems(),
+                                     .destination = {},
+                                     .source = std::nullopt,
+                                     .verifies = m_verifiesCopies && !exportAs,
+                                     .exportAs = exportAs};
+    if (isForSharing) return request; // into a folder of its own, wherever that is
+    request.destination = m_copyDestination;
+    request.intoDateFolders = m_copiesIntoDateFolders;
     if (!m_sourceURL.isEmpty()) request.source = m_sourceURL;
     return request;
 }
 
-void LibraryViewModel::runCopy() {
+void LibraryViewModel::runCopy(const std::optional<CopyService::Export>& exportAs,
+                               const std::optional<SharePicker::Anchor>& sharingFrom) {
+    auto request = copyRequest(exportAs, sharingFrom.has_value());
     // The folder chooser may have stayed open while a copy began or the marks went.
-    if (isCopying() || m_checked.empty() || isDeleting()) return;
+    if (isCopying() || request.items.empty() || isDeleting()) return;
     const Change change{*this};
     assign(Property::copyInterruption, m_copyInterruption, {});
     m_copyStop = std::stop_source{};
-    m_copyJob = {m_checked, m_sourceURL, m_copyDestination, m_verifiesCopies};
-    // What is known before the plan is made, which takes a while for many files.
-    CopyService::Progress beginning;
-    beginning.totalFiles = static_cast<std::int64_t>(m_checked.size());
-    beginning.totalBytes = m_checked.bytes();
-    assign(Property::copyState, m_copyState, CopyState{beginning});
+    m_copyExport = exportAs;
+    m_copyJob = {{}, m_sourceURL, request.destination, request.verifies, sharingFrom};
+    for (const auto& item : exportAs ? m_exportItems : request.items) m_copyJob.photos.push_back(item.url);
+    assign(Property::copyState, m_copyState, CopyState{beginning(request.items)});
+    carryOut(std::move(request));
+}
 
-    auto request = copyRequest();
+void LibraryViewModel::carryOut(CopyService::PlanRequest request) {
     CopyService::Ratings starred;
     for (const auto& item : request.items) {
         if (const auto stars = rating(item.url); stars > Rating{}) starred.emplace(item.url, stars);
@@ -110,10 +130,17 @@ void LibraryViewModel::runCopy() {
                                            [this, alive = std::weak_ptr{m_lifetime}](const CopyState& state) {
                                                if (!alive.expired()) publishCopy(state);
                                            }};
+    const auto isForSharing = m_copyJob.sharingFrom.has_value();
     m_services.background.post([this, alive = std::weak_ptr{m_lifetime}, &copier = m_services.copier,
                                 &files = m_services.files, &main = m_services.main,
+                                makeFolder = isForSharing ? m_services.makeShareFolder : nullptr,
                                 stop = m_copyStop.get_token(), published, request = std::move(request),
-                                starred = std::move(starred)] {
+                                starred = std::move(starred)]() mutable {
+        if (makeFolder) {
+            auto folder = makeFolder();
+            if (!folder) return published.send(CopyFailed{message(folder.error())});
+            request.destination = std::move(*folder);
+        }
         const auto plans = copier.plan(request, stop);
         if (!plans) {
             // Stopped before the first file is stopped all the same.
@@ -123,18 +150,26 @@ void LibraryViewModel::runCopy() {
         }
         auto report = copier.copy(*plans, request.destination, starred, stop,
                                   [&](const CopyService::Progress& progress) { published.send(progress); });
-        main.post([this, alive, source = request.source,
-                   copied = copiedItems(files, request.items, *plans, report)] {
-            if (!alive.expired() && source == m_sourceURL) noteCopied(copied);
-        });
+        if (!request.exportAs) { // a picture made of a photo stands for no copy of it
+            main.post([this, alive, source = request.source,
+                       copied = copiedItems(files, request.items, *plans, report)] {
+                if (!alive.expired() && source == m_sourceURL) noteCopied(copied);
+            });
+        }
         published.send(std::move(report));
     });
 }
 
 void LibraryViewModel::publishCopy(const CopyState& state) {
-    const auto* report = std::get_if<CopyService::Report>(&state);
-    if (report && report->copied > 0) m_services.analytics.record(PhotosCopied{.count = report->copied});
+    const Change change{*this};
     assign(Property::copyState, m_copyState, state);
+    const auto* report = std::get_if<CopyService::Report>(&state);
+    if (!report) return;
+    if (report->copied > 0) {
+        m_services.analytics.record(
+            PhotosCopied{.count = report->copied, .withPreset = m_copyExport.has_value()});
+    }
+    handOver(*report);
 }
 
 void LibraryViewModel::cancelCopy() {
@@ -165,6 +200,9 @@ void LibraryViewModel::interruptCopy(const FileURL& removedVolume) {
 void LibraryViewModel::dismissCopy() {
     if (isCopying()) return;
     m_copyJob = {};
+    m_exportItems.clear();
+    m_pendingExportLook.reset();
+    m_copyExport.reset();
     assign(Property::copyState, m_copyState, CopyState{});
 }
 

@@ -34,6 +34,8 @@ void LibraryViewModel::restoreState() {
     m_inspectorTab = kelvara::inspectorTab(text(PreferenceKeys::inspectorTab)).value_or(InspectorTab::info);
     m_copiesIntoDateFolders = preferences.boolean(PreferenceKeys::copiesIntoDateFolders).value_or(false);
     m_verifiesCopies = preferences.boolean(PreferenceKeys::verifiesCopies).value_or(false);
+    m_exportSettings =
+        ExportSettings::fromJSON(text(PreferenceKeys::exportSettings)).value_or(ExportSettings{});
     m_deletesPairedFiles = preferences.boolean(PreferenceKeys::deletesPairedFiles).value_or(false);
     if (const auto path = text(PreferenceKeys::copyDestination); path.starts_with('/')) {
         m_copyDestination = FileURL::standardized(path);

@@ -226,6 +226,8 @@ public:
     /// Marks everything from the focused item to this one, and focuses it.
     void markRange(const FileURL& target);
     void clearMarks();
+    /// In the order of `sortedItems`.
+    [[nodiscard]] std::vector<PhotoItem> markedItems() const;
     /// Bytes of all marked items.
     [[nodiscard]] std::int64_t checkedBytes() const { return m_checked.bytes(); }
     /// No stars where nobody has rated the shot.
@@ -277,9 +279,11 @@ public:
     [[nodiscard]] const ExportSettings& exportSettings() const { return m_exportSettings; }
     /// Remembered at once.
     void setExportSettings(const ExportSettings& settings);
-    /// Opens the options of an export of these photos with this look, unless a copy runs.
+    /// Opens the options of an export of these photos with this look, unless a copy runs. Beeps for no
+    /// photos.
     void showExportOptions(std::vector<PhotoItem> items, std::optional<ExportLook> look);
-    /// What the export works on, and the look it would have; empty when there is none.
+    /// What the export works on, and the look it would have; empty when there is none. They change with
+    /// `copyState`, and so does `copyExport`.
     [[nodiscard]] const std::vector<PhotoItem>& exportItems() const { return m_exportItems; }
     [[nodiscard]] const std::optional<ExportLook>& pendingExportLook() const { return m_pendingExportLook; }
     /// What the running or last job exports; empty for a copy.
@@ -327,10 +331,11 @@ private:
     struct ScanResult;
     /// What the running or last copy works on, whatever is chosen meanwhile.
     struct CopyJob {
-        CheckedItems photos;
+        std::vector<FileURL> photos;
         FileURL source;
-        FileURL destination;
+        FileURL destination; ///< Empty for a folder that is yet to be made for sharing.
         bool verifies = false;
+        std::optional<SharePicker::Anchor> sharingFrom;
     };
     /// A deletion that runs.
     struct Deletion {
@@ -358,10 +363,15 @@ private:
     void setViewMode(ViewMode mode) { assign(Property::viewMode, m_viewMode, mode); }
     void saveRating(Rating rating, const FileURL& id);
     void didSaveRating(Rating saved, const FileURL& id, const Result<void, XMPError>& result);
-    void runCopy();
+    void runCopy(const std::optional<CopyService::Export>& exportAs,
+                 const std::optional<SharePicker::Anchor>& sharingFrom);
+    void carryOut(CopyService::PlanRequest request);
     void publishCopy(const CopyState& state);
+    /// Gives what was exported for sharing to who shares it.
+    void handOver(const CopyService::Report& report) const;
     void interruptCopy(const FileURL& removedVolume);
-    [[nodiscard]] CopyService::PlanRequest copyRequest() const;
+    [[nodiscard]] CopyService::PlanRequest copyRequest(const std::optional<CopyService::Export>& exportAs,
+                                                       bool isForSharing) const;
     void noteCopied(const std::vector<PhotoItem>& items);
     bool refusesDeletion();
     void runDeletion(std::span<const PhotoItem> items, bool permanently);

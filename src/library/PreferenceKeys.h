@@ -14,6 +14,7 @@ inline constexpr std::string_view inspectorTab = "inspectorTab";
 inline constexpr std::string_view copyDestination = "copyDestination";
 inline constexpr std::string_view copiesIntoDateFolders = "copiesIntoDateFolders";
 inline constexpr std::string_view verifiesCopies = "verifiesCopies";
+inline constexpr std::string_view exportSettings = "exportSettings"; // JSON
 inline constexpr std::string_view deletesPairedFiles = "deletesPairedFiles";
 inline constexpr std::string_view recentFolders = "recentFolders";
 inline constexpr std::string_view hiddenExtensions = "hiddenExtensions";
@@ -22,6 +23,9 @@ inline constexpr std::string_view lastSource = "lastSource";
 // The grid.
 inline constexpr std::string_view gridThumbnailSize = "gridThumbnailSize";
 inline constexpr std::string_view gridShowsInfo = "gridShowsInfo";
+
+// The edit inspector.
+inline constexpr std::string_view editLightExpanded = "editLightExpanded";
 
 // The Settings window; see Settings.
 inline constexpr std::string_view shareAnonymousUsage = "shareAnonymousUsage";

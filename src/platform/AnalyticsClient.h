@@ -12,7 +12,7 @@ struct AppStarted {
 };
 struct PhotosCopied {
     std::int64_t count = 0;
-    bool withPreset = false; ///< At least one was rendered through a preset.
+    bool withPreset = false; ///< They were exported as pictures rather than copied.
     friend bool operator==(const PhotosCopied&, const PhotosCopied&) = default;
 };
 struct PhotosShared {

@@ -75,6 +75,12 @@ public:
     virtual Result<void, FileError> place(const FileURL& destination) = 0;
 };
 
+/// Keeps others out for as long as it lives; see `FileSystem::lock`.
+class FileLock {
+public:
+    virtual ~FileLock() = default;
+};
+
 enum class CopyReading {
     none,   ///< The file system may copy without anybody seeing the bytes.
     hashed, ///< Every byte is read once and hashed, so that the copy can be compared later.
@@ -101,6 +107,12 @@ public:
     /// Puts `bytes` in the place of `url`, new or existing, so that a crash or a power cut at any moment
     /// leaves the old or the new file, whole. Keeps an existing file's mode, and its owner where allowed.
     virtual Result<void, FileError> writeFileAtomically(const FileURL& url, std::string_view bytes) = 0;
+
+    /// Waits until nobody else holds the lock of `url`, in any process, for those who read a file and write
+    /// it anew without losing what others write in between; it keeps out none but those who ask for it. A
+    /// hidden file beside it stays behind. Fails with `device_or_resource_busy` after some seconds. File
+    /// systems without locks give it to everybody.
+    [[nodiscard]] virtual Result<std::unique_ptr<FileLock>, FileError> lock(const FileURL& url) = 0;
 
     /// Creates `folder` and what is missing above it; an existing folder is no error.
     virtual Result<void, FileError> createFolders(const FileURL& folder) = 0;

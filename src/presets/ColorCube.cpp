@@ -53,7 +53,8 @@ private:
 };
 
 std::vector<float> sampled(const DevelopPreset& preset) {
-    const double strength = std::clamp(preset.amount, 0.0, 1.0);
+    // Edits alone are a look of their own, sampled as fast as one.
+    const double strength = preset.look.isIdentity ? 0 : std::clamp(preset.amount, 0.0, 1.0);
     const bool isEdited = !preset.adjustments.isIdentity;
     const LookAtPoints look{strength > 0 ? preset.look : preset.adjustments};
     std::vector<float> values(ColorCube::entries * 4);

@@ -1,68 +1,71 @@
 #include "presets/EditStore.h"
 
-#include <nlohmann/json.hpp>
+#include "text/Localized.h"
+
+#include <algorithm>
 #include <utility>
 
 namespace kelvara {
 
 namespace {
 
-using Slider = LightAdjustments::Slider;
-
-/// That of millions of photos.
-constexpr std::int64_t maximumBytes = std::int64_t{1} << 30;
-
-/// The next save must not take away what somebody may still mend.
-void putAside(FileSystem& files, const FileURL& url) {
-    const auto name = url.appendingExtension("damaged");
-    auto moved = files.moveFile(url, name);
-    for (int i = 1; !moved && moved.error().code == std::errc::file_exists; ++i) {
-        moved = files.moveFile(url, name.appendingExtension(std::to_string(i)));
-    }
-}
-
-LightAdjustments parsedAdjustments(const nlohmann::json& values) {
-    LightAdjustments adjustments;
-    for (const auto slider : LightAdjustments::sliders) {
-        const auto value = values.find(LightAdjustments::rawValue(slider));
-        if (value != values.end() && value->is_number()) adjustments.set(slider, value->get<double>());
-    }
-    return adjustments;
-}
-
-std::string jsonText(const std::unordered_map<FileURL, LightAdjustments>& edits) {
-    auto json = nlohmann::json::object();
-    for (const auto& [key, adjustments] : edits) {
-        auto values = nlohmann::json::object();
-        for (const auto slider : LightAdjustments::sliders) {
-            if (const double value = adjustments[slider]; value != 0) {
-                values[std::string{LightAdjustments::rawValue(slider)}] = value;
-            }
-        }
-        if (!values.empty()) json[key.uri()] = std::move(values);
-    }
-    return json.dump(1) + '\n';
+/// Whether two hold the same for all photos but those of `others`.
+bool agree(const EditFile::Edits& a, const EditFile::Edits& b, const EditFile::Edits& others) {
+    const auto contains = [&others](const EditFile::Edits& in, const EditFile::Edits& of) {
+        return std::ranges::all_of(of, [&](const auto& edit) {
+            if (others.contains(edit.first)) return true;
+            const auto same = in.find(edit.first);
+            return same != in.end() && same->second == edit.second;
+        });
+    };
+    return contains(a, b) && contains(b, a);
 }
 
 } // namespace
 
+/// How a save went.
+struct EditStore::Saved {
+    Edits changes;          // what was to be written
+    std::uint64_t number;   // the last change among them
+    EditsPtr stored;        // what the file holds now; null where it could not be written
+    bool hasOthers = false; // somebody else has changed it too
+    std::string error;
+};
+
 EditStore::EditStore(FileSystem& files, FileURL fileURL, Executor& writer, Executor& main, Alarm alarm)
     : m_files{files}, m_fileURL{std::move(fileURL)}, m_writer{writer}, m_main{main},
       m_alarm{std::move(alarm)}, m_loading{writer, main} {
-    m_loading.start([&files, url = m_fileURL](const std::stop_token&) { return read(files, url); },
-                    [this](Edits stored) { merge(std::move(stored)); });
+    m_loading.start(
+        [&files, url = m_fileURL](const std::stop_token&) {
+            const auto found = EditFile::read(files, url);
+            return std::make_shared<const Edits>(found ? *found : Edits{});
+        },
+        [this](EditsPtr stored) {
+            m_stored = std::move(stored);
+            didChange(EditProperty::adjustments);
+        });
 }
 
-EditStore::~EditStore() { save(); }
+EditStore::~EditStore() {
+    if (!m_changes.empty()) save();
+}
 
 LightAdjustments EditStore::adjustments(const FileURL& photo) const {
-    const auto found = m_adjustments.find(photo.stemKey());
-    return found != m_adjustments.end() ? found->second : LightAdjustments{};
+    const auto key = photo.stemKey();
+    if (const auto changed = m_changes.find(key); changed != m_changes.end()) return changed->second;
+    if (!m_stored) return {};
+    const auto stored = m_stored->find(key);
+    return stored != m_stored->end() ? stored->second : LightAdjustments{};
 }
 
 void EditStore::setAdjustments(const LightAdjustments& adjustments, const FileURL& photo) {
+    store(adjustments, {&photo, 1});
+}
+
+void EditStore::setAdjustments(std::span<const LightAdjustments> adjustments,
+                               std::span<const FileURL> photos) {
     const Change change{*this};
-    store(adjustments, photo);
+    for (std::size_t i = 0; i < photos.size(); ++i) store(adjustments[i], photos[i]);
     scheduleSave();
 }
 
@@ -71,10 +74,7 @@ void EditStore::copyAdjustments(const FileURL& photo) {
 }
 
 void EditStore::pasteAdjustments(std::span<const FileURL> photos) {
-    if (!m_copied) return;
-    const Change change{*this};
-    for (const auto& photo : photos) store(*m_copied, photo);
-    scheduleSave();
+    if (m_copied) store(*m_copied, photos);
 }
 
 std::optional<DevelopPreset> EditStore::exportLook(const std::optional<DevelopPreset>& preset,
@@ -82,64 +82,62 @@ std::optional<DevelopPreset> EditStore::exportLook(const std::optional<DevelopPr
     return DevelopPreset::combining(preset, adjustments(photo));
 }
 
-EditStore::Edits EditStore::read(FileSystem& files, const FileURL& url) {
-    Edits edits;
-    const auto text = files.readFile(url, maximumBytes);
-    if (!text && text.error().code == std::errc::no_such_file_or_directory) return edits;
-    const auto json = text ? nlohmann::json::parse(*text, nullptr, false) : nlohmann::json{};
-    if (!json.is_object()) {
-        putAside(files, url);
-        return edits;
-    }
-    for (const auto& [key, values] : json.items()) {
-        const auto photo = FileURL::fromURI(key);
-        if (!photo || !values.is_object()) continue;
-        if (const auto adjustments = parsedAdjustments(values); !adjustments.isEmpty()) {
-            edits.emplace(*photo, adjustments);
-        }
-    }
-    return edits;
-}
-
-void EditStore::merge(Edits stored) {
+void EditStore::store(const LightAdjustments& adjustments, std::span<const FileURL> photos) {
     const Change change{*this};
-    m_isLoaded = true;
-    m_adjustments.merge(stored);
-    std::erase_if(m_adjustments, [](const auto& edit) { return edit.second.isEmpty(); });
-    didChange(EditProperty::adjustments);
-    if (m_needsSave) scheduleSave();
-}
-
-void EditStore::store(const LightAdjustments& adjustments, const FileURL& photo) {
-    if (adjustments == this->adjustments(photo) && m_isLoaded) return;
-    if (adjustments.isEmpty() && m_isLoaded) {
-        m_adjustments.erase(photo.stemKey());
-    } else {
-        m_adjustments.insert_or_assign(photo.stemKey(), adjustments);
+    const auto before = m_changeCount;
+    for (const auto& photo : photos) {
+        if (m_stored && adjustments == this->adjustments(photo)) continue;
+        m_changes.insert_or_assign(photo.stemKey(), adjustments);
+        ++m_changeCount;
     }
-    m_needsSave = true;
+    if (m_changeCount == before) return;
     didChange(EditProperty::adjustments);
+    scheduleSave();
 }
 
 void EditStore::scheduleSave() {
-    if (!m_needsSave || !m_isLoaded) return;
-    m_alarm(saveDelay, [weak = std::weak_ptr{m_self}, change = ++m_changes] {
+    m_alarm(saveDelay, [weak = std::weak_ptr{m_self}, number = m_changeCount] {
         const auto self = weak.lock();
-        if (self && (*self)->m_changes == change) (*self)->save();
+        if (self && (*self)->m_changeCount == number && !(*self)->m_isSaving) (*self)->save();
     });
 }
 
 void EditStore::save() {
-    if (!m_needsSave || !m_isLoaded) return;
-    m_needsSave = false;
-    m_writer.post([&files = m_files, &main = m_main, url = m_fileURL, edits = m_adjustments,
-                   weak = std::weak_ptr{m_self}] {
-        const auto folder = files.createFolders(url.parent());
-        if (folder && files.writeFileAtomically(url, jsonText(edits))) return;
-        main.post([weak] {
-            if (const auto self = weak.lock()) (*self)->m_needsSave = true;
+    m_isSaving = true;
+    m_writer.post([&files = m_files, &main = m_main, url = m_fileURL, weak = std::weak_ptr{m_self},
+                   before = m_stored, changes = m_changes, number = m_changeCount] {
+        auto found = EditFile::update(files, url, [&](const Edits* there) {
+            auto wanted = changes;
+            if (!there && before) wanted.insert(before->begin(), before->end()); // the file was lost
+            return wanted;
+        });
+        Saved saved{changes, number, nullptr, false, {}};
+        if (found) {
+            saved.hasOthers = !before || !agree(*before, *found, changes);
+            saved.stored = std::make_shared<const Edits>(std::move(*found));
+        } else {
+            saved.error = localized("Couldn't save the edits: ") + message(found.error());
+        }
+        main.post([weak, saved = std::move(saved)] {
+            if (const auto self = weak.lock()) (*self)->didSave(saved);
         });
     });
+}
+
+void EditStore::didSave(const Saved& saved) {
+    const Change change{*this};
+    m_isSaving = false;
+    assign(EditProperty::saveError, m_saveError, saved.error);
+    if (saved.stored) {
+        // Forgetting a hundred thousand edits takes a while too.
+        m_writer.post([forgotten = std::exchange(m_stored, saved.stored)] {});
+        std::erase_if(m_changes, [&](const auto& edit) {
+            const auto written = saved.changes.find(edit.first);
+            return written != saved.changes.end() && written->second == edit.second;
+        });
+        if (saved.hasOthers) didChange(EditProperty::adjustments);
+    }
+    if (m_changeCount != saved.number) scheduleSave(); // changes since then have found it saving
 }
 
 } // namespace kelvara

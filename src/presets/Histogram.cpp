@@ -1,10 +1,11 @@
 #include "presets/Histogram.h"
 
-#include "imaging/AreaScaler.h"
 #include "imaging/ColorTransform.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
 
 namespace kelvara {
 
@@ -16,27 +17,53 @@ PixelSize sampledSize(PixelSize size, int sampleSize) {
             std::max(1, static_cast<int>(size.height * scale))};
 }
 
-BitmapPtr sampled(const BitmapPtr& image, int sampleSize) {
-    const auto size = sampledSize(image->size(), sampleSize);
-    BitmapPtr sample = image;
-    if (size != image->size()) {
-        sample = collectRows(
-            image->size(), size, image->profile(), {},
-            [&](int y, std::uint8_t* row) {
-                const auto from = image->row(y);
-                std::memcpy(row, from.data(),
-                            bytesPerPixel(image->format()) * static_cast<std::size_t>(image->width()));
-                return true;
-            },
-            image->format());
+/// Along one axis, the two pixels that each of `to` samples takes: in the middles of the halves of what it
+/// stands for.
+std::vector<std::size_t> takenPixels(int from, int to) {
+    std::vector<std::size_t> taken;
+    for (std::int64_t i = 0; i < 2 * to; ++i)
+        taken.push_back(static_cast<std::size_t>((2 * i + 1) * from / (4 * std::int64_t{to})));
+    return taken;
+}
+
+/// Each pixel of `sample` is the mean of four of `image`. All of those it stands for would take much longer
+/// to read, and their mean would hide small highlights.
+template <typename Number> void takeSample(const Bitmap& image, Bitmap& sample) {
+    const auto columns = takenPixels(image.width(), sample.width());
+    const auto rows = takenPixels(image.height(), sample.height());
+    const auto numbers = [&image](std::size_t y) {
+        return reinterpret_cast<const Number*>(image.row(static_cast<int>(y)).data());
+    };
+    for (int y = 0; y < sample.height(); ++y) {
+        const auto* upper = numbers(rows[static_cast<std::size_t>(y) * 2]);
+        const auto* lower = numbers(rows[static_cast<std::size_t>(y) * 2 + 1]);
+        auto* to = reinterpret_cast<Number*>(sample.row(y).data());
+        for (std::size_t x = 0; x < columns.size(); x += 2) {
+            const auto left = columns[x] * 4, right = columns[x + 1] * 4;
+            for (std::size_t c = 0; c < 4; ++c) {
+                const unsigned sum =
+                    unsigned{upper[left + c]} + upper[right + c] + lower[left + c] + lower[right + c];
+                *to++ = static_cast<Number>((sum + 2) / 4);
+            }
+        }
     }
-    return sample ? converted(sample, sample->profile(), PixelFormat::bgrx8, {}) : nullptr;
+}
+
+BitmapPtr sampled(const Bitmap& image, int sampleSize) {
+    auto sample = Bitmap::create(sampledSize(image.size(), sampleSize), image.profile(), image.format());
+    if (!sample) return nullptr;
+    if (image.format() == PixelFormat::bgrx8)
+        takeSample<std::uint8_t>(image, *sample);
+    else
+        takeSample<std::uint16_t>(image, *sample);
+    const auto profile = image.profile();
+    return converted(std::move(sample), profile, PixelFormat::bgrx8, {});
 }
 
 } // namespace
 
 std::optional<Histogram> Histogram::of(const BitmapPtr& image, int sampleSize) {
-    const auto sample = image ? sampled(image, sampleSize) : nullptr;
+    const auto sample = image ? sampled(*image, sampleSize) : nullptr;
     if (!sample) return std::nullopt;
     Histogram histogram;
     for (int y = 0; y < sample->height(); ++y) {

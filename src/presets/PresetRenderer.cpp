@@ -32,7 +32,7 @@ Task<BitmapPtr> draw(std::shared_ptr<CubeCache> cubes, DevelopPreset preset, Bit
 
 } // namespace
 
-PresetRenderer::PresetRenderer(Executor& rendering, Executor& main)
+PresetRenderer::PresetRenderer(Executor& rendering, Executor& main, std::size_t cacheBytes)
     : m_main{main}, m_cubes{std::make_shared<CubeCache>()}, m_loader{cacheBytes, 0, rendering, rendering} {}
 
 PresetRenderer::~PresetRenderer() = default;

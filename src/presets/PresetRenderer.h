@@ -19,11 +19,12 @@ class CubeCache;
 /// for any.
 class PresetRenderer {
 public:
-    /// Of the pictures drawn, whose last used ones are kept: two or three in full resolution.
-    static constexpr std::size_t cacheBytes = std::size_t{384} * 1024 * 1024;
+    /// Two or three pictures in full resolution.
+    static constexpr std::size_t usualCacheBytes = std::size_t{384} * 1024 * 1024;
 
-    /// `rendering` is where pictures are drawn, each on up to four cores. Both executors outlive it.
-    PresetRenderer(Executor& rendering, Executor& main);
+    /// `rendering` is where pictures are drawn, each on up to four cores. Both executors outlive it. Of the
+    /// pictures drawn the last used ones are kept, up to `cacheBytes`.
+    PresetRenderer(Executor& rendering, Executor& main, std::size_t cacheBytes = usualCacheBytes);
     ~PresetRenderer();
     PresetRenderer(const PresetRenderer&) = delete;
     PresetRenderer& operator=(const PresetRenderer&) = delete;

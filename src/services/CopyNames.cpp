@@ -28,8 +28,7 @@ std::string dateFolderName(std::optional<FileTime> date) {
 }
 
 std::string numberedName(const FileURL& source, unsigned number) {
-    if (number == 0) return std::string{source.name()};
-    auto ending = fmt::format("-{}", number);
+    auto ending = number > 0 ? fmt::format("-{}", number) : std::string{};
     if (!source.extension().empty()) ending.append(".").append(source.extension());
     const auto room = ending.size() < maximumNameLength ? maximumNameLength - ending.size() : 0;
     return std::string{shortened(source.stem(), room)} + ending;
@@ -68,6 +67,16 @@ DestinationNames::Found DestinationNames::resolve(const PhotoItem& item, const F
         }
         m_reserved.insert(std::move(key));
         return {std::move(candidate), action};
+    }
+}
+
+FileURL DestinationNames::unused(const FileURL& photo, std::string_view extension, const FileURL& folder) {
+    for (unsigned number = 0;; ++number) {
+        auto candidate = folder.child(numberedName(photo.withExtension(extension), number));
+        auto key = caseFolded(candidate.path());
+        if (m_reserved.contains(key) || m_files.status(candidate)) continue;
+        m_reserved.insert(std::move(key));
+        return candidate;
     }
 }
 

@@ -15,8 +15,7 @@ inline constexpr std::size_t maximumNameLength = 255;
 /// The day of a photo in the user's time zone, "2024-03-07", or "Undated".
 [[nodiscard]] std::string dateFolderName(std::optional<FileTime> date);
 
-/// "IMG_1.CR3" for 0, then "IMG_1-1.CR3" and so on. A name that the number makes too long loses the end of
-/// its stem.
+/// "IMG_1.CR3" for 0, then "IMG_1-1.CR3" and so on. A name that would be too long loses the end of its stem.
 [[nodiscard]] std::string numberedName(const FileURL& source, unsigned number);
 
 /// Where a file is written before it takes its name: "IMG_1.CR3.partial" beside it. Where that name is too
@@ -39,6 +38,8 @@ public:
     /// The first numbered name in `folder` that is free, or that a file of the same size bears, which is
     /// taken for an earlier copy of the item.
     [[nodiscard]] Found resolve(const PhotoItem& item, const FileURL& folder);
+    /// The first numbered name in `folder` that no file bears, for one made of the photo.
+    [[nodiscard]] FileURL unused(const FileURL& photo, std::string_view extension, const FileURL& folder);
 
 private:
     [[nodiscard]] bool isEarlierCopy(const FileURL& candidate, const FileStatus& status,

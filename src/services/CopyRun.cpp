@@ -8,11 +8,19 @@
 
 namespace kelvara {
 
+namespace {
+
+bool isRendered(const CopyService::Plan& plan) {
+    return std::holds_alternative<CopyService::Plan::Render>(plan.action);
+}
+
+} // namespace
+
 CopyService::Run::Run(const CopyService& service, const std::vector<Plan>& plans, const Ratings& ratings,
                       const std::stop_token& stop)
-    : m_service{service}, m_plans{plans}, m_ratings{ratings}, m_stop{stop}, m_running{
-                                                                                std::min(maximumInFlight,
-                                                                                         plans.size())} {
+    : m_service{service}, m_plans{plans}, m_ratings{ratings}, m_stop{stop} {
+    const bool renders = std::ranges::any_of(plans, isRendered);
+    m_running = std::min(renders ? maximumRendersInFlight : maximumInFlight, plans.size());
     for (std::size_t i = 0, count = m_running; i < count; ++i) {
         try {
             m_threads.emplace_back([this] { work(); });
@@ -40,8 +48,13 @@ void CopyService::Run::work() {
     Batch batch{m_service};
     while (const auto* plan = take()) {
         if (batch.shouldFinishBefore(*plan)) give(batch.finish());
-        const auto rating = m_ratings.find(plan->source);
-        batch.add(*plan, rating == m_ratings.end() ? std::nullopt : std::optional{rating->second});
+        const auto found = m_ratings.find(plan->source);
+        const auto rating = found == m_ratings.end() ? std::nullopt : std::optional{found->second};
+        if (isRendered(*plan)) {
+            give({{*plan, m_service.render(*plan, rating)}});
+            continue;
+        }
+        batch.add(*plan, rating);
         if (batch.isFull()) give(batch.finish());
     }
     give(batch.finish());

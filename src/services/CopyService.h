@@ -21,9 +21,9 @@
 
 namespace kelvara {
 
-/// Copies photos into a folder in two steps: `plan` decides where each file goes and may refuse the whole
-/// job, `copy` carries the plans out. Nothing at the destination is ever overwritten, and a file that bears
-/// its final name there is complete.
+/// Copies photos into a folder, or exports them as pictures, in two steps: `plan` decides where each file
+/// goes and may refuse the whole job, `copy` carries the plans out. Nothing at the destination is ever
+/// overwritten, and a file that bears its final name there is complete.
 ///
 /// Holds no state; both steps block, so they are called off the main thread.
 class CopyService {
@@ -172,6 +172,9 @@ private:
     class Batch;
     class Run;
 
+    /// Makes the picture that is to be exported.
+    [[nodiscard]] Outcome render(const Plan& plan, std::optional<Rating> rating) const;
+    static void add(const Finished& finished, Report& report);
     /// Adds sizes, none of which can be trusted to make sense.
     static std::int64_t saturatingSum(std::int64_t a, std::int64_t b);
 

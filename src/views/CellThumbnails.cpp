@@ -1,13 +1,17 @@
 #include "views/CellThumbnails.h"
 
+#include "presets/EditStore.h"
+#include "presets/PresetRenderer.h"
 #include "views/BitmapImage.h"
 
 #include <algorithm>
 
 namespace kelvara {
 
-CellThumbnails::CellThumbnails(ThumbnailService& service, std::function<void(const FileURL&)> onChange)
-    : m_service{service}, m_onChange{std::move(onChange)} {}
+CellThumbnails::CellThumbnails(const ThumbnailSources& sources, std::function<void(const FileURL&)> onChange)
+    : m_sources{sources}, m_onChange{std::move(onChange)}, m_editSubscription{sources.edits.observe(
+                                                               {EditProperty::adjustments},
+                                                               [this](const auto&) { didEdit(); })} {}
 
 void CellThumbnails::show(const std::vector<FileURL>& urls, int pixelSize) {
     m_pixelSize = pixelSize;
@@ -29,44 +33,86 @@ void CellThumbnails::reload() {
     for (auto& [url, entry] : m_entries) load(url, entry, m_pixelSize);
 }
 
+LightAdjustments CellThumbnails::editsOf(const FileURL& url) const {
+    // A video may share the name of a photo, and with it the edits, which are not for it.
+    const auto kind = mediaKind(url.extension());
+    return kind && isStillImage(*kind) ? m_sources.edits.adjustments(url) : LightAdjustments{};
+}
+
 void CellThumbnails::load(const FileURL& url, Entry& entry, int pixelSize) {
     entry.pixelSize = pixelSize;
     entry.quick = {};
     entry.tier = {};
-    entry.awaitsQuick = entry.awaitsTier = false;
-    if (const auto picture = m_service.cachedThumbnail(url, pixelSize)) {
-        entry.thumbnail = {wrapped(picture), true};
-        return;
+    entry.wanted.edits = editsOf(url);
+    auto& service = m_sources.service;
+    if (auto picture = service.cachedThumbnail(url, pixelSize)) {
+        entry.wanted.plain = std::move(picture);
+        return draw(url, entry);
     }
-    auto& shown = entry.thumbnail;
-    shown.isFinal = false;
-    if (shown.picture.isNull()) shown.picture = wrapped(m_service.largestCachedThumbnail(url));
-    if (shown.picture.isNull()) shown.picture = wrapped(m_service.cachedQuickThumbnail(url));
-    if (shown.picture.isNull()) {
-        entry.awaitsQuick = true;
-        entry.quick = m_service.quickThumbnail(
+    auto& plain = entry.wanted.plain;
+    if (!plain) plain = service.largestCachedThumbnail(url);
+    if (!plain) plain = service.cachedQuickThumbnail(url);
+    if (!plain) {
+        entry.quick = service.quickThumbnail(
             url, [this, url](const auto& picture) { receive(url, picture, Kind::quick); });
     }
-    entry.awaitsTier = true;
-    entry.tier = m_service.thumbnail(url, pixelSize,
-                                     [this, url](const auto& picture) { receive(url, picture, Kind::tier); });
+    entry.tier = service.thumbnail(url, pixelSize,
+                                   [this, url](const auto& picture) { receive(url, picture, Kind::tier); });
+    draw(url, entry);
 }
 
 void CellThumbnails::receive(const FileURL& url, const BitmapPtr& picture, Kind kind) {
     const auto found = m_entries.find(url);
     if (found == m_entries.end()) return;
     auto& entry = found->second;
-    auto& shown = entry.thumbnail;
-    if (kind == Kind::tier) {
-        entry.awaitsTier = false;
-        // The quick picture is no news any more.
-        if (picture) entry.awaitsQuick = false, entry.quick = {};
-    } else {
-        entry.awaitsQuick = false;
-    }
-    if (picture && (kind == Kind::tier || shown.picture.isNull())) shown.picture = wrapped(picture);
-    shown.isFinal = !entry.awaitsTier && !entry.awaitsQuick;
+    if (picture && (kind == Kind::tier || !entry.wanted.plain)) entry.wanted.plain = picture;
+    if (picture && kind == Kind::tier) entry.quick = {}; // no news any more
+    draw(url, entry);
     m_onChange(url);
+}
+
+void CellThumbnails::draw(const FileURL& url, Entry& entry) {
+    auto& shown = entry.thumbnail;
+    const auto& plain = entry.wanted.plain;
+    const bool isNew = plain && entry.drawn != entry.wanted;
+    if (isNew && entry.wanted.edits.isEmpty()) {
+        entry.drawing = {};
+        entry.drawn = entry.wanted;
+        shown.picture = wrapped(plain);
+    } else if (isNew && !entry.drawing.isPending()) {
+        entry.drawn = entry.wanted;
+        const auto look = *m_sources.edits.exportLook(std::nullopt, url);
+        if (const auto cached = m_sources.renderer.cached(look, url, plain)) {
+            shown.picture = wrapped(cached);
+        } else {
+            entry.drawing = m_sources.renderer.render(
+                look, url, plain, [this, url](const auto& picture) { receiveDrawn(url, picture); });
+        }
+    }
+    shown.isFinal = !entry.quick.isPending() && !entry.tier.isPending() && !entry.drawing.isPending();
+}
+
+void CellThumbnails::receiveDrawn(const FileURL& url, const BitmapPtr& picture) {
+    const auto found = m_entries.find(url);
+    if (found == m_entries.end()) return;
+    auto& entry = found->second;
+    auto& shown = entry.thumbnail.picture;
+    // Without memory to draw, the photo itself is better than nothing.
+    if (picture || shown.isNull()) shown = wrapped(picture ? picture : entry.drawn.plain);
+    draw(url, entry); // what has come meanwhile
+    m_onChange(url);
+}
+
+void CellThumbnails::didEdit() {
+    std::vector<FileURL> changed;
+    for (auto& [url, entry] : m_entries) {
+        const auto now = editsOf(url);
+        if (now == entry.wanted.edits) continue;
+        entry.wanted.edits = now;
+        draw(url, entry);
+        changed.push_back(url);
+    }
+    for (const auto& url : changed) m_onChange(url);
 }
 
 const CellThumbnails::Thumbnail& CellThumbnails::operator[](const FileURL& url) const {

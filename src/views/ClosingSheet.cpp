@@ -30,10 +30,15 @@ bool ClosingSheet::canClose() {
 
 void ClosingSheet::ask() {
     m_window.bringToFront(); // it may be closed from the desktop's list of windows
+    const auto isExport = m_library.copyExport().has_value();
     auto* question =
-        new AlertView{tr("Stop Copying and Quit?"),
-                      tr("The files in progress finish first, so that nothing is left half-copied."),
-                      {tr("Stop and Quit"), tr("Keep Copying")}};
+        isExport
+            ? new AlertView{tr("Stop Exporting and Quit?"),
+                            tr("The photos in progress finish first."),
+                            {tr("Stop and Quit"), tr("Keep Exporting")}}
+            : new AlertView{tr("Stop Copying and Quit?"),
+                            tr("The files in progress finish first, so that nothing is left half-copied."),
+                            {tr("Stop and Quit"), tr("Keep Copying")}};
     m_sheet.present(question);
     m_sheet.setButtons(question->defaultButton(), question->defaultButton());
     connect(question->defaultButton(), &QPushButton::clicked, &m_sheet, &Sheet::dismiss);

@@ -1,6 +1,9 @@
 #include "views/CommandStates.h"
 
 #include "library/LibraryViewModel.h"
+#include "presets/EditHistory.h"
+#include "presets/EditStore.h"
+#include "views/LightRow.h"
 #include "views/Text.h"
 
 #include <QCoreApplication>
@@ -23,11 +26,31 @@ CommandState ratingState(int stars, const LibraryViewModel& library) {
             focused && library.rating(focused->url).rawValue() == stars};
 }
 
-QString pasteTitle(const LibraryViewModel& library) {
-    // As many as `actionTargets` of the focused photo has.
-    const auto marked = library.checkedIDs().size();
-    if (marked < 2 || !library.isChecked(library.focusedID())) return tr("Paste Edits");
-    return tr("Paste Edits to %1 Photos").arg(countText(static_cast<std::int64_t>(marked)));
+QString name(const EditHistory::Name& step) {
+    switch (step.action) {
+    case EditHistory::Action::slider:
+        return LightRow::name(step.slider);
+    case EditHistory::Action::automatic:
+        return tr("Auto");
+    case EditHistory::Action::reset:
+        return tr("Reset");
+    case EditHistory::Action::paste:
+        return tr("Paste Edits");
+    }
+    return {};
+}
+
+/// Of a step back or forth: "Undo Exposure".
+CommandState stepState(const QString& title, const QString& titleOfStep,
+                       const std::optional<EditHistory::Name>& step) {
+    return {step ? titleOfStep.arg(name(*step)) : title, step.has_value()};
+}
+
+CommandState pasteState(const LibraryViewModel& library, const EditHistory& edits) {
+    if (!edits.store().copiedAdjustments()) return {tr("Paste Edits"), false};
+    const auto count = editTargets(library).size();
+    if (count < 2) return {tr("Paste Edits"), count > 0};
+    return {tr("Paste Edits to %1 Photos").arg(countText(static_cast<std::int64_t>(count)))};
 }
 
 CommandState ejectState(const LibraryViewModel& library, bool isCopying) {
@@ -42,8 +65,18 @@ CommandState inspectorState(const QString& title, InspectorTab tab, const Librar
 
 } // namespace
 
+std::vector<FileURL> editTargets(const LibraryViewModel& library) {
+    const auto* focused = library.focusedItem();
+    std::vector<FileURL> photos;
+    if (!focused) return photos;
+    for (auto& item : library.actionTargets(*focused)) {
+        if (item.kind() != MediaKind::video) photos.push_back(std::move(item.url));
+    }
+    return photos;
+}
+
 CommandState commandState(const WindowCommand& command, const LibraryViewModel& library,
-                          const QWidget& window) {
+                          const EditHistory& edits, const QWidget& window) {
     const auto hasFocus = library.focusedItem() != nullptr;
     const auto hasMarks = !library.checkedIDs().empty();
     const auto isCopying = library.isCopying();
@@ -53,6 +86,15 @@ CommandState commandState(const WindowCommand& command, const LibraryViewModel& 
         return {tr("Open Folder…")};
     case Kind::ejectSource:
         return ejectState(library, isCopying);
+
+    case Kind::undo:
+        return stepState(tr("Undo"), tr("Undo %1"), edits.undoName());
+    case Kind::redo:
+        return stepState(tr("Redo"), tr("Redo %1"), edits.redoName());
+    case Kind::copyEdits:
+        return {tr("Copy Edits"), hasFocus && library.focusedItem()->kind() != MediaKind::video};
+    case Kind::pasteEdits:
+        return pasteState(library, edits);
 
     case Kind::toggleMark: {
         const auto isMarked = hasFocus && library.isChecked(library.focusedID());
@@ -102,15 +144,6 @@ CommandState commandState(const WindowCommand& command, const LibraryViewModel& 
         return {tr("Support Kelvara")};
     case Kind::quit:
         return {tr("Quit Kelvara")};
-
-    // Nothing performs these yet. Whoever does gives them their rule here and their call in
-    // RootView::perform.
-    case Kind::copyEdits:
-        return {tr("Copy Edits"), false};
-    case Kind::pasteEdits:
-        return {pasteTitle(library), false};
-    case Kind::share:
-        return {tr("Share…"), false};
 
     case Kind::moveLeft:
     case Kind::moveRight:

@@ -2,6 +2,8 @@
 
 #include "views/Controls.h"
 #include "views/CopyTexts.h"
+#include "views/ExportTexts.h"
+#include "views/ShareMenuItems.h"
 #include "views/Symbols.h"
 #include "views/Text.h"
 
@@ -14,7 +16,8 @@ namespace {
 constexpr int longestTitle = 260; // logical pixels
 } // namespace
 
-CopyButton::CopyButton(LibraryViewModel& library, QWidget* parent) : QWidget{parent}, m_library{library} {
+CopyButton::CopyButton(LibraryViewModel& library, const ShareMenuItems& sharing, QWidget* parent)
+    : QWidget{parent}, m_library{library}, m_sharing{sharing} {
     m_action = new QToolButton{this};
     m_action->setObjectName("copyAction");
     m_action->setFont(kelvara::font(TextRole::emphasis));
@@ -63,6 +66,11 @@ void CopyButton::fillMenu() {
     m_menu
         ->addAction(tr("Copy %1 Marked Files").arg(countText(count)), this, [this] { m_library.startCopy(); })
         ->setEnabled(count > 0);
+    auto* exporting = m_menu->addAction(exportTitle(m_library.checkedIDs().size()) + u'…', this,
+                                        [this] { m_sharing.exportPhotos(m_library.markedItems()); });
+    exporting->setToolTip(
+        tr("JPEG, HEIF or PNG files in the size you choose, with the preset and each photo's edits applied"));
+    exporting->setEnabled(count > 0);
     m_menu->addAction(tr("Change Destination…"), this, [this] { m_library.chooseCopyDestination(); });
     const auto addToggle = [this](const QString& title, bool isOn, auto set) {
         auto* toggle = m_menu->addAction(title, this, [this, set](bool on) { (m_library.*set)(on); });

@@ -9,18 +9,22 @@ class QToolButton;
 
 namespace kelvara {
 
-/// Starts copying the marked photos; the menu beside it says where to and how.
+class ShareMenuItems;
+
+/// Starts copying the marked photos; the menu beside it says where to and how, and exports them instead.
 class CopyButton : public QWidget {
     Q_OBJECT
 
 public:
-    explicit CopyButton(LibraryViewModel& library, QWidget* parent = nullptr);
+    /// Both outlive it.
+    CopyButton(LibraryViewModel& library, const ShareMenuItems& sharing, QWidget* parent = nullptr);
 
 private:
     void refresh();
     void fillMenu();
 
     LibraryViewModel& m_library;
+    const ShareMenuItems& m_sharing;
     QToolButton* m_action;
     QToolButton* m_menuButton;
     QMenu* m_menu;

@@ -1,6 +1,9 @@
 #include "views/CopySheet.h"
 
+#include "library/SharingController.h"
 #include "platform/Desktop.h"
+#include "views/ExportOptionsView.h"
+#include "views/ShareMenuItems.h"
 #include "views/Sheet.h"
 #include "views/Text.h"
 
@@ -13,8 +16,9 @@ namespace {
 constexpr std::chrono::milliseconds pause{50};
 } // namespace
 
-CopySheet::CopySheet(LibraryViewModel& library, Desktop& desktop, Sheet& sheet, QObject* parent)
-    : QObject{parent}, m_library{library}, m_desktop{desktop}, m_sheet{sheet} {
+CopySheet::CopySheet(LibraryViewModel& library, Desktop& desktop, SharingController& sharing, Sheet& sheet,
+                     QObject* parent)
+    : QObject{parent}, m_library{library}, m_desktop{desktop}, m_sharing{sharing}, m_sheet{sheet} {
     m_pause.setSingleShot(true);
     m_pause.setInterval(pause);
     connect(&m_pause, &QTimer::timeout, this, [this] {
@@ -38,11 +42,23 @@ void CopySheet::refresh() {
         [this](const auto& state) {
             using State = std::decay_t<decltype(state)>;
             if constexpr (std::is_same_v<State, CopyIdle>) m_sheet.dismiss();
+            if constexpr (std::is_same_v<State, ConfiguringExport>) showOptions();
             if constexpr (std::is_same_v<State, CopyService::Progress>) showProgress(state);
             if constexpr (std::is_same_v<State, CopyService::Report>) showReport(state);
             if constexpr (std::is_same_v<State, CopyFailed>) showFailure(state);
         },
         m_library.copyState());
+}
+
+void CopySheet::showOptions() {
+    auto* view = new ExportOptionsView{m_library};
+    m_sheet.present(view);
+    m_sheet.setButtons(view->exportButton(), view->cancelButton());
+    connect(view->cancelButton(), &QPushButton::clicked, this, [this] { m_library.dismissCopy(); });
+    connect(view->exportButton(), &QPushButton::clicked, this,
+            [this, view] { m_library.startCopy(view->job()); });
+    connect(view->shareButton(), &QPushButton::clicked, this,
+            [this, view] { m_library.startCopy(view->job(), shareAnchor(*view->shareButton())); });
 }
 
 void CopySheet::showProgress(const CopyService::Progress& progress) {
@@ -53,7 +69,7 @@ void CopySheet::showProgress(const CopyService::Progress& progress) {
         connect(m_progress->cancelButton(), &QPushButton::clicked, this, [this] { m_library.cancelCopy(); });
     }
     if (m_library.isStoppingCopy()) m_progress->setStopping();
-    m_progress->show(progress);
+    m_progress->show(progress, copyKind(m_library));
 }
 
 void CopySheet::showReport(const CopyService::Report& report) {
@@ -63,6 +79,10 @@ void CopySheet::showReport(const CopyService::Report& report) {
     connect(view->doneButton(), &QPushButton::clicked, this, [this] { m_library.dismissCopy(); });
     connect(view->showButton(), &QPushButton::clicked, this,
             [this, folder = report.destination] { m_desktop.showInFileManager(folder); });
+    if (view->shareButton()) {
+        connect(view->shareButton(), &QPushButton::clicked, this,
+                [this, view, files = report.exported] { share(files, shareAnchor(*view->shareButton())); });
+    }
     if (!view->clearButton()) return;
     connect(view->clearButton(), &QPushButton::clicked, this, [this, view] {
         m_library.unmarkCopiedPhotos();
@@ -71,13 +91,19 @@ void CopySheet::showReport(const CopyService::Report& report) {
     });
 }
 
+void CopySheet::share(const std::vector<FileURL>& files, const SharePicker::Anchor& anchor) {
+    const auto& job = m_library.copyExport();
+    m_sharing.shareFiles(files, anchor, job && job->settings.appliesLook ? job->look : std::nullopt);
+}
+
 void CopySheet::showFailure(const CopyFailed& failure) {
     auto* view = new CopyFailedView{text(failure.message)};
     m_sheet.present(view);
     m_sheet.setButtons(view->chooseButton(), view->cancelButton());
     connect(view->cancelButton(), &QPushButton::clicked, this, [this] { m_library.dismissCopy(); });
-    connect(view->chooseButton(), &QPushButton::clicked, this,
-            [this] { m_library.chooseCopyDestination([this] { m_library.startCopy(); }); });
+    connect(view->chooseButton(), &QPushButton::clicked, this, [this] {
+        m_library.chooseCopyDestination([this] { m_library.startCopy(m_library.copyExport()); });
+    });
 }
 
 } // namespace kelvara

@@ -2,6 +2,7 @@
 
 #include "library/LibraryViewModel.h"
 #include "views/Controls.h"
+#include "views/CopyTexts.h"
 
 #include <QElapsedTimer>
 #include <QPointer>
@@ -12,6 +13,7 @@ class QProgressBar;
 
 namespace kelvara {
 
+class SharingController;
 class Sheet;
 
 /// What a sheet shows while photos are copied.
@@ -20,7 +22,7 @@ class CopyProgressView : public QWidget {
 
 public:
     explicit CopyProgressView(QWidget* parent = nullptr);
-    void show(const CopyService::Progress& progress);
+    void show(const CopyService::Progress& progress, CopyKind kind);
     /// The copy has been told to stop, and files in progress finish.
     void setStopping();
     [[nodiscard]] QPushButton* cancelButton() const { return m_cancel; }
@@ -44,13 +46,14 @@ public:
     CopyReportView(const CopyService::Report& report, const LibraryViewModel& library,
                    QWidget* parent = nullptr);
     [[nodiscard]] QPushButton* showButton() const { return m_show; }
-    [[nodiscard]] QPushButton* clearButton() const {
-        return m_clear;
-    } ///< Null where photos are left to copy.
+    [[nodiscard]] QPushButton* shareButton() const { return m_share; } ///< Null where nothing was exported.
+    /// Null where photos are left to copy.
+    [[nodiscard]] QPushButton* clearButton() const { return m_clear; }
     [[nodiscard]] QPushButton* doneButton() const { return m_done; }
 
 private:
     QPushButton* m_show;
+    QPushButton* m_share = nullptr;
     QPushButton* m_clear = nullptr;
     QPushButton* m_done;
 };
@@ -69,23 +72,27 @@ private:
     QPushButton* m_cancel;
 };
 
-/// Keeps a sheet in step with the library's copy.
+/// Keeps a sheet in step with the library's copy or export.
 class CopySheet : public QObject {
     Q_OBJECT
 
 public:
     /// Everything outlives it.
-    CopySheet(LibraryViewModel& library, Desktop& desktop, Sheet& sheet, QObject* parent = nullptr);
+    CopySheet(LibraryViewModel& library, Desktop& desktop, SharingController& sharing, Sheet& sheet,
+              QObject* parent = nullptr);
 
 private:
     void stateChanged();
     void refresh();
+    void showOptions();
     void showProgress(const CopyService::Progress& progress);
     void showReport(const CopyService::Report& report);
+    void share(const std::vector<FileURL>& files, const SharePicker::Anchor& anchor);
     void showFailure(const CopyFailed& failure);
 
     LibraryViewModel& m_library;
     Desktop& m_desktop;
+    SharingController& m_sharing;
     Sheet& m_sheet;
     QPointer<CopyProgressView> m_progress;
     QTimer m_pause; // between two looks at a copy that runs

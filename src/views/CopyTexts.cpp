@@ -1,5 +1,6 @@
 #include "views/CopyTexts.h"
 
+#include "library/LibraryViewModel.h"
 #include "text/ByteCount.h"
 #include "views/Text.h"
 
@@ -55,11 +56,23 @@ QString copyReportTitle(const CopyService::Report& report, bool wasInterrupted) 
     return tr("Copy Complete");
 }
 
-QList<CopyReportRow> copyReportRows(const CopyService::Report& report, bool isVerified) {
+CopyKind copyKind(const LibraryViewModel& library) {
+    if (library.copyExport()) return CopyKind::exported;
+    return library.isCopyVerified() ? CopyKind::verifiedCopy : CopyKind::copy;
+}
+
+QString copyProgressTitle(const CopyService::Progress& progress, CopyKind kind) {
+    return (kind == CopyKind::exported ? tr("Exporting %1 of %2") : tr("Copying %1 of %2"))
+        .arg(countText(progress.completedFiles), countText(progress.totalFiles));
+}
+
+QList<CopyReportRow> copyReportRows(const CopyService::Report& report, CopyKind kind) {
     using Kind = CopyReportRow::Kind;
     QList<CopyReportRow> rows;
-    const auto detail = isVerified && report.copied > 0 ? tr("%1 in %2 · verified") : tr("%1 in %2");
-    rows.append({Kind::copied, tr("%1 copied").arg(countText(report.copied)),
+    const auto isVerified = kind == CopyKind::verifiedCopy && report.copied > 0;
+    const auto detail = isVerified ? tr("%1 in %2 · verified") : tr("%1 in %2");
+    const auto count = kind == CopyKind::exported ? tr("%1 exported") : tr("%1 copied");
+    rows.append({Kind::copied, count.arg(countText(report.copied)),
                  detail.arg(text(byteCountText(report.copiedBytes)), durationText(report.duration))});
     if (report.skipped >= 1) {
         rows.append({Kind::skipped, tr("%1 already there").arg(countText(report.skipped)),
@@ -70,8 +83,8 @@ QList<CopyReportRow> copyReportRows(const CopyService::Report& report, bool isVe
                      tr("a different file had the same name")});
     }
     if (!report.failures.empty()) {
-        const auto count = countText(static_cast<std::int64_t>(report.failures.size()));
-        rows.append({Kind::failed, tr("%1 failed").arg(count), {}});
+        const auto failed = countText(static_cast<std::int64_t>(report.failures.size()));
+        rows.append({Kind::failed, tr("%1 failed").arg(failed), {}});
     }
     return rows;
 }

@@ -9,6 +9,8 @@
 
 namespace kelvara {
 
+class LibraryViewModel;
+
 /// The copy button's words. `destination` is empty while none is known.
 struct CopyButtonTexts {
     QString title;
@@ -26,13 +28,21 @@ struct CopyButtonTexts {
 /// The heading of a finished copy; an interruption says more than any count.
 [[nodiscard]] QString copyReportTitle(const CopyService::Report& report, bool wasInterrupted);
 
-/// One line of the report: "12 copied", "340 MB in 8 sec", "… · verified".
+/// What the words of a copy are about.
+enum class CopyKind { copy, verifiedCopy, exported };
+/// Of the running or last one.
+[[nodiscard]] CopyKind copyKind(const LibraryViewModel& library);
+
+/// "Copying 3 of 12".
+[[nodiscard]] QString copyProgressTitle(const CopyService::Progress& progress, CopyKind kind);
+
+/// One line of the report: "12 copied" or "12 exported", "340 MB in 8 sec", "… · verified".
 struct CopyReportRow {
     enum class Kind { copied, skipped, renamed, failed };
     Kind kind = Kind::copied;
     QString count;
     QString detail;
 };
-[[nodiscard]] QList<CopyReportRow> copyReportRows(const CopyService::Report& report, bool isVerified);
+[[nodiscard]] QList<CopyReportRow> copyReportRows(const CopyService::Report& report, CopyKind kind);
 
 } // namespace kelvara

@@ -1,7 +1,6 @@
 #include "views/CopySheet.h"
 
 #include "views/CopyFailureList.h"
-#include "views/CopyTexts.h"
 #include "views/SelectableText.h"
 #include "views/SheetParts.h"
 #include "views/Symbols.h"
@@ -97,9 +96,8 @@ CopyProgressView::CopyProgressView(QWidget* parent) : QWidget{parent} {
     column->addLayout(bottom);
 }
 
-void CopyProgressView::show(const CopyService::Progress& progress) {
-    m_title->setText(
-        tr("Copying %1 of %2").arg(countText(progress.completedFiles), countText(progress.totalFiles)));
+void CopyProgressView::show(const CopyService::Progress& progress, CopyKind kind) {
+    m_title->setText(copyProgressTitle(progress, kind));
     m_bar->setValue(static_cast<int>(completedShare(progress) * barSteps));
     m_file->setText(text(progress.currentFile));
     m_fileSymbol->setVisible(!progress.currentFile.empty());
@@ -127,7 +125,7 @@ CopyReportView::CopyReportView(const CopyService::Report& report, const LibraryV
         column->addWidget(makeParagraph(interruption, this));
         column->addSpacing(spacing::large);
     }
-    column->addLayout(makeRows(copyReportRows(report, library.isCopyVerified()), this));
+    column->addLayout(makeRows(copyReportRows(report, copyKind(library)), this));
     if (!report.failures.empty()) {
         column->addSpacing(spacing::medium);
         column->addWidget(new CopyFailureList{report.failures, this});
@@ -138,6 +136,11 @@ CopyReportView::CopyReportView(const CopyService::Report& report, const LibraryV
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(spacing::small);
     buttons->addWidget(m_show);
+    if (!report.exported.empty()) {
+        m_share = makeButton(tr("Share…"), this);
+        m_share->setToolTip(tr("Share the exported files"));
+        buttons->addWidget(m_share);
+    }
     buttons->addStretch(1);
     if (report.failures.empty() && !report.wasCancelled && library.copiedMarkedPhotos()) {
         m_clear = makeButton(tr("Clear Marks"), this);

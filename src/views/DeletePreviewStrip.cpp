@@ -62,8 +62,8 @@ void DeletePreviewTile::paintEvent(QPaintEvent*) {
     painter.drawRoundedRect(rect(), radius::thumbnail, radius::thumbnail);
 }
 
-DeletePreviewStrip::DeletePreviewStrip(std::span<const PhotoItem> items, ThumbnailService* thumbnails,
-                                       QWidget* parent)
+DeletePreviewStrip::DeletePreviewStrip(std::span<const PhotoItem> items,
+                                       const std::optional<ThumbnailSources>& thumbnails, QWidget* parent)
     : QWidget{parent} {
     const auto count = std::min(items.size(), maximumTiles);
     const auto side = count == 1 ? onlyTileSide : tileSide;

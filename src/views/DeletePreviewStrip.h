@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -38,8 +39,8 @@ class DeletePreviewStrip : public QWidget {
 public:
     static constexpr std::size_t maximumTiles = 6;
 
-    /// `thumbnails` outlives it; without it the tiles keep their symbols.
-    DeletePreviewStrip(std::span<const PhotoItem> items, ThumbnailService* thumbnails,
+    /// Without `thumbnails` the tiles keep their symbols.
+    DeletePreviewStrip(std::span<const PhotoItem> items, const std::optional<ThumbnailSources>& thumbnails,
                        QWidget* parent = nullptr);
     /// Whether a picture is still to come.
     [[nodiscard]] bool isLoading() const { return m_thumbnails && m_thumbnails->isLoading(); }

@@ -15,7 +15,8 @@
 
 namespace kelvara {
 
-DeleteSheet::DeleteSheet(LibraryViewModel& library, ThumbnailService* thumbnails, QWidget* parent)
+DeleteSheet::DeleteSheet(LibraryViewModel& library, const std::optional<ThumbnailSources>& thumbnails,
+                         QWidget* parent)
     : QWidget{parent}, m_library{library} {
     const auto& items = *library.pendingDeletion();
     const auto words = deleteTexts(items, library.deletesPermanently());

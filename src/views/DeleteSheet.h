@@ -1,8 +1,11 @@
 #pragma once
 
 #include "library/LibraryViewModel.h"
+#include "views/ThumbnailSources.h"
 
 #include <QWidget>
+
+#include <optional>
 
 class QCheckBox;
 class QLabel;
@@ -11,15 +14,15 @@ class QPushButton;
 namespace kelvara {
 
 class DeletePreviewStrip;
-class ThumbnailService;
 
 /// What a sheet asks before photos go: made while the library has a `pendingDeletion`, and answers it.
 class DeleteSheet : public QWidget {
     Q_OBJECT
 
 public:
-    /// Both outlive it; see `DeletePreviewStrip` for `thumbnails`.
-    DeleteSheet(LibraryViewModel& library, ThumbnailService* thumbnails, QWidget* parent = nullptr);
+    /// `library` outlives it; see `DeletePreviewStrip` for `thumbnails`.
+    DeleteSheet(LibraryViewModel& library, const std::optional<ThumbnailSources>& thumbnails,
+                QWidget* parent = nullptr);
 
     [[nodiscard]] QPushButton* cancelButton() const { return m_cancel; }
     [[nodiscard]] QPushButton* deleteButton() const { return m_delete; }

@@ -1,9 +1,11 @@
 #include "views/FilmstripView.h"
 
 #include "views/ApplicationStyle.h"
+#include "views/PhotoDrag.h"
 #include "views/Text.h"
 #include "views/Theme.h"
 
+#include <QApplication>
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -12,6 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace kelvara {
 
@@ -27,7 +30,7 @@ constexpr double easingPerSecond = 16;
 
 } // namespace
 
-FilmstripView::FilmstripView(LibraryViewModel& library, ThumbnailService& thumbnails, QWidget* parent)
+FilmstripView::FilmstripView(LibraryViewModel& library, const ThumbnailSources& thumbnails, QWidget* parent)
     : QWidget{parent}, m_library{library}, m_thumbnails{thumbnails, [this](const FileURL& url) {
                                                             if (const auto index =
                                                                     m_library.visibleIndex(url)) {
@@ -139,6 +142,7 @@ ThumbnailCellState FilmstripView::state(std::size_t index) const {
         state.content = ThumbnailCellState::Content::unreadable;
     }
     state.rating = m_library.rating(item.url);
+    state.isEdited = m_thumbnails.isEdited(item.url);
     state.isMarked = m_library.isChecked(item.url);
     state.isFocused = item.url == m_library.focusedID();
     state.isHovered = m_hovered == index;
@@ -192,12 +196,31 @@ void FilmstripView::wheelEvent(QWheelEvent* event) {
 void FilmstripView::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton && event->button() != Qt::RightButton)
         return QWidget::mousePressEvent(event);
-    if (const auto index = indexAt(event->position().toPoint())) {
-        m_library.setFocusedID(m_library.visibleItems()[*index].url);
-    }
+    m_press.reset();
+    const auto point = event->position().toPoint();
+    const auto index = indexAt(point);
+    if (!index) return;
+    const auto url = m_library.visibleItems()[*index].url;
+    if (event->button() == Qt::LeftButton) m_press = Press{point, url};
+    m_library.setFocusedID(url);
 }
 
-void FilmstripView::mouseMoveEvent(QMouseEvent* event) { setHovered(indexAt(event->position().toPoint())); }
+void FilmstripView::mouseMoveEvent(QMouseEvent* event) {
+    const auto point = event->position().toPoint();
+    setHovered(indexAt(point));
+    if (!m_press || !event->buttons().testFlag(Qt::LeftButton)) return;
+    if ((point - m_press->point).manhattanLength() < QApplication::startDragDistance()) return;
+    startDrag(std::exchange(m_press, std::nullopt)->url);
+}
+
+void FilmstripView::mouseReleaseEvent(QMouseEvent*) { m_press.reset(); }
+
+void FilmstripView::startDrag(const FileURL& url) {
+    const auto index = m_library.visibleIndex(url);
+    if (!index) return;
+    const auto item = m_library.visibleItems()[*index];
+    dragPhotos(*this, m_library.actionTargets(item), m_thumbnails[url].picture);
+}
 
 void FilmstripView::leaveEvent(QEvent*) { setHovered(std::nullopt); }
 
@@ -219,8 +242,9 @@ bool FilmstripView::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip) return QWidget::event(event);
     const auto& help = static_cast<QHelpEvent&>(*event);
     if (const auto index = indexAt(help.pos())) {
-        const auto name = nameText(m_library.visibleItems()[*index].url);
-        QToolTip::showText(help.globalPos(), name.toHtmlEscaped(), this, cellRect(*index));
+        const auto& url = m_library.visibleItems()[*index].url;
+        const auto words = ThumbnailCell::help(nameText(url), m_thumbnails.isEdited(url));
+        QToolTip::showText(help.globalPos(), words.toHtmlEscaped(), this, cellRect(*index));
     }
     return true;
 }

@@ -19,7 +19,7 @@ class FilmstripView : public QWidget, public PhotoCells {
     Q_OBJECT
 
 public:
-    FilmstripView(LibraryViewModel& library, ThumbnailService& thumbnails, QWidget* parent = nullptr);
+    FilmstripView(LibraryViewModel& library, const ThumbnailSources& thumbnails, QWidget* parent = nullptr);
 
     [[nodiscard]] bool isLoading() const { return m_thumbnails.isLoading(); }
     void reloadThumbnails() { m_thumbnails.reload(); }
@@ -37,6 +37,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
     void changeEvent(QEvent* event) override;
     bool event(QEvent* event) override;
@@ -49,6 +50,7 @@ private:
     [[nodiscard]] double constrained(double offset) const;
     [[nodiscard]] IndexRange visibleRange() const;
     void loadVisible();
+    void startDrag(const FileURL& url);
     void setHovered(std::optional<std::size_t> index);
 
     LibraryViewModel& m_library;
@@ -60,6 +62,12 @@ private:
     QElapsedTimer m_lastFrame;
     IndexRange m_loadedRange;
     std::optional<std::size_t> m_hovered;
+    /// Where the left button went down, and on which photo.
+    struct Press {
+        QPoint point;
+        FileURL url;
+    };
+    std::optional<Press> m_press;
     Subscription m_listSubscription;
     Subscription m_focusSubscription;
     Subscription m_stateSubscription;

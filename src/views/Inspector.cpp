@@ -1,8 +1,8 @@
 #include "views/Inspector.h"
 
+#include "views/Segments.h"
 #include "views/Symbols.h"
 
-#include <QButtonGroup>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QHBoxLayout>
@@ -94,32 +94,24 @@ Inspector::Inspector(LibraryViewModel& library, const Contents& contents, QWidge
 
 QWidget* Inspector::makeTabs() {
     auto* row = new QWidget{this};
-    auto* frame = new QFrame{row};
-    frame->setObjectName("segments");
-    auto* segments = new QHBoxLayout{frame};
-    segments->setContentsMargins(1, 1, 1, 1);
-    segments->setSpacing(0);
-    auto* group = new QButtonGroup{frame};
+    auto* segments = new Segments{row};
     for (std::size_t i = 0; i < tabs.size(); ++i) {
         const auto& [tab, name, symbolName, help, absence] = tabs[i];
-        auto* button = makeIconButton(symbolName, translated(name), {}, frame);
+        auto* button = makeIconButton(symbolName, translated(name), {}, segments);
         button->setText(translated(name));
         button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
         button->setFont(kelvara::font(TextRole::caption));
-        button->setProperty("segment", true);
-        button->setCheckable(true);
         button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
         setSymbol(*button, symbolIcon(symbolName, &Theme::text), 15);
         connect(button, &QToolButton::clicked, this, [this, tab = tab] {
             if (m_library.inspectorTab() != tab) m_library.toggleInspector(tab);
         });
-        group->addButton(button);
-        segments->addWidget(button);
+        segments->add(button);
         m_tabs[i] = button;
     }
     auto* layout = new QHBoxLayout{row};
     layout->setContentsMargins(spacing::medium, spacing::small, spacing::medium, spacing::small);
-    layout->addWidget(frame);
+    layout->addWidget(segments);
     return row;
 }
 

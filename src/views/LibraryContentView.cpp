@@ -22,10 +22,10 @@ constexpr int narrowestPhotos = 240;
 } // namespace
 
 LibraryContentView::LibraryContentView(LibraryViewModel& library, Preferences& preferences,
-                                       PhotoCanvases canvases, QWidget* parent)
+                                       const ShareMenuItems& sharing, PhotoCanvases canvases, QWidget* parent)
     : Panel{&Theme::canvas, parent}, m_library{library}, m_preferences{preferences}, m_canvases{std::move(
                                                                                          canvases)} {
-    m_toolbar = new LibraryToolbar{library, preferences, this};
+    m_toolbar = new LibraryToolbar{library, preferences, sharing, this};
     m_filterBar = new FilterBar{library, this};
     m_empty = new EmptyStateView{library, this};
     m_statusBar = new GridStatusBar{library, this};

@@ -3,8 +3,10 @@
 #include "library/LibraryViewModel.h"
 #include "views/Controls.h"
 #include "views/Inspector.h"
+#include "views/ThumbnailSources.h"
 
 #include <functional>
+#include <optional>
 
 class QSplitter;
 class QStackedWidget;
@@ -16,7 +18,7 @@ class FilterBar;
 class GridStatusBar;
 class LibraryToolbar;
 class Preferences;
-class ThumbnailService;
+class ShareMenuItems;
 
 /// The two ways to look at photos, made by whoever has the image services. The window owns the widgets.
 struct PhotoCanvases {
@@ -28,7 +30,7 @@ struct PhotoCanvases {
     std::function<void()> togglePresetBefore = [] {}; ///< In the loupe.
     Inspector::Contents inspector{};
     std::function<bool()> isInspectorLoading = [] { return false; };
-    ThumbnailService* thumbnails = nullptr; ///< For previews in sheets, which do without them.
+    std::optional<ThumbnailSources> thumbnails{}; ///< For previews in sheets, which do without them.
 };
 
 /// Everything beside the sidebar: bars, between them the grid, the single image, or why there is neither, and
@@ -37,8 +39,9 @@ class LibraryContentView : public Panel {
     Q_OBJECT
 
 public:
-    LibraryContentView(LibraryViewModel& library, Preferences& preferences, PhotoCanvases canvases,
-                       QWidget* parent = nullptr);
+    /// The references outlive it.
+    LibraryContentView(LibraryViewModel& library, Preferences& preferences, const ShareMenuItems& sharing,
+                       PhotoCanvases canvases, QWidget* parent = nullptr);
 
     /// Gives the keyboard to the photos.
     void focusPhotos();

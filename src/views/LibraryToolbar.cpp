@@ -5,10 +5,12 @@
 #include "views/CopyButton.h"
 #include "views/EmptyState.h"
 #include "views/Inspector.h"
+#include "views/Segments.h"
+#include "views/ShareMenuItems.h"
 #include "views/Symbols.h"
 
-#include <QButtonGroup>
 #include <QHBoxLayout>
+#include <QMenu>
 #include <QSlider>
 
 #include <algorithm>
@@ -34,7 +36,8 @@ QToolButton* makeSizeSign(QStringView symbolName, QWidget* parent) {
 
 } // namespace
 
-LibraryToolbar::LibraryToolbar(LibraryViewModel& library, Preferences& preferences, QWidget* parent)
+LibraryToolbar::LibraryToolbar(LibraryViewModel& library, Preferences& preferences,
+                               const ShareMenuItems& sharing, QWidget* parent)
     : Panel{&Theme::window, parent}, m_library{library}, m_preferences{preferences} {
     setFixedHeight(toolbarHeight);
     m_title = new ElidedLabel{this, Qt::ElideRight};
@@ -49,7 +52,8 @@ LibraryToolbar::LibraryToolbar(LibraryViewModel& library, Preferences& preferenc
     m_sizeControl = makeSizeSlider();
     row->addWidget(m_sizeControl);
     row->addWidget(makeViewModePicker());
-    row->addWidget(new CopyButton{library, this});
+    row->addWidget(makeShareButton(sharing));
+    row->addWidget(new CopyButton{library, sharing, this});
     row->addWidget(new InspectorToggles{library, this});
 
     using P = LibraryProperty;
@@ -64,19 +68,11 @@ LibraryToolbar::LibraryToolbar(LibraryViewModel& library, Preferences& preferenc
 double LibraryToolbar::thumbnailSize() const { return m_size->value(); }
 
 QWidget* LibraryToolbar::makeViewModePicker() {
-    auto* frame = new QFrame{this};
-    frame->setObjectName("segments");
-    frame->setAccessibleName(tr("View Mode"));
-    auto* row = new QHBoxLayout{frame};
-    row->setContentsMargins(1, 1, 1, 1);
-    row->setSpacing(0);
-    auto* group = new QButtonGroup{frame};
+    auto* segments = new Segments{this};
+    segments->setAccessibleName(tr("View Mode"));
     const auto add = [&](QStringView symbolName, const QString& name) {
-        auto* segment = makeIconButton(symbolName, name, tr("Toggle Grid / Single Image (Space)"), frame);
-        segment->setProperty("segment", true);
-        segment->setCheckable(true);
-        group->addButton(segment);
-        row->addWidget(segment);
+        auto* segment = makeIconButton(symbolName, name, tr("Toggle Grid / Single Image (Space)"), segments);
+        segments->add(segment);
         return segment;
     };
     m_gridSegment = add(u"square.grid.2x2", tr("Grid"));
@@ -86,7 +82,20 @@ QWidget* LibraryToolbar::makeViewModePicker() {
         if (m_library.viewMode() == ViewMode::grid) m_library.toggleViewMode();
         refreshViewMode(); // where nothing can be shown, the grid stays chosen
     });
-    return frame;
+    return segments;
+}
+
+QWidget* LibraryToolbar::makeShareButton(const ShareMenuItems& sharing) {
+    m_share = makeIconButton(u"square.and.arrow.up", tr("Share"),
+                             tr("Share the selected photo, or all marked photos if it is marked"), this);
+    auto* menu = new QMenu{m_share};
+    connect(menu, &QMenu::aboutToShow, this, [this, menu, &sharing] {
+        menu->clear();
+        sharing.addTo(*menu, shareAnchor(*m_share));
+    });
+    m_share->setMenu(menu);
+    m_share->setPopupMode(QToolButton::InstantPopup);
+    return m_share;
 }
 
 QWidget* LibraryToolbar::makeSizeSlider() {
@@ -128,6 +137,7 @@ void LibraryToolbar::refreshViewMode() {
     m_gridSegment->setChecked(isGrid);
     m_loupeSegment->setChecked(!isGrid);
     m_loupeSegment->setEnabled(!m_library.focusedID().isEmpty());
+    m_share->setEnabled(!m_library.focusedID().isEmpty());
     makeRoom();
 }
 

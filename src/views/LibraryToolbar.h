@@ -8,13 +8,16 @@ class QSlider;
 namespace kelvara {
 
 class Preferences;
+class ShareMenuItems;
 
-/// The top of the content: what is open, how it is shown, and the way out of it: copying.
+/// The top of the content: what is open, how it is shown, and the ways out of it: sharing and copying.
 class LibraryToolbar : public Panel {
     Q_OBJECT
 
 public:
-    LibraryToolbar(LibraryViewModel& library, Preferences& preferences, QWidget* parent = nullptr);
+    /// Everything outlives it.
+    LibraryToolbar(LibraryViewModel& library, Preferences& preferences, const ShareMenuItems& sharing,
+                   QWidget* parent = nullptr);
 
     /// The side of a thumbnail, in logical pixels.
     [[nodiscard]] double thumbnailSize() const;
@@ -28,6 +31,7 @@ protected:
 private:
     QWidget* makeViewModePicker();
     QWidget* makeSizeSlider();
+    QWidget* makeShareButton(const ShareMenuItems& sharing);
     void refreshTitle();
     void refreshViewMode();
     void makeRoom();
@@ -38,6 +42,7 @@ private:
     QWidget* m_sizeControl;
     QSlider* m_size;
     QList<QWidget*> m_sizeSigns;
+    QToolButton* m_share;
     QToolButton* m_gridSegment;
     QToolButton* m_loupeSegment;
     std::vector<Subscription> m_subscriptions;

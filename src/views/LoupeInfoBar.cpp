@@ -52,6 +52,9 @@ LoupeInfoBar::LoupeInfoBar(QWidget* parent) : Panel{&Theme::window, parent} {
     m_exposure = makeLabel(TextRole::caption, Tone::quiet, this);
     m_mark = new QLabel{this};
     m_stars = new QLabel{this};
+    m_edited = new QLabel{this};
+    m_edited->setToolTip(tr("Edited"));
+    m_edited->setAccessibleName(tr("Edited"));
     m_presetSymbol = new QLabel{this};
     m_presetSymbol->setContentsMargins(spacing::tiny, 0, 0, 0);
     m_preset = new ElidedLabel{this};
@@ -77,6 +80,7 @@ LoupeInfoBar::LoupeInfoBar(QWidget* parent) : Panel{&Theme::window, parent} {
     row->addSpacing(spacing::tiny);
     row->addWidget(m_stars);
     row->addWidget(m_mark);
+    row->addWidget(m_edited);
     row->addWidget(m_presetSymbol);
     row->addWidget(m_preset);
     row->addStretch(1);
@@ -108,6 +112,8 @@ void LoupeInfoBar::refresh() {
     m_mark->setVisible(m_content.isChecked);
     m_mark->setPixmap(symbol(u"checkmark.circle.fill", markSize, Theme::current().mark, ratio));
     m_mark->setAccessibleName(tr("Marked"));
+    m_edited->setPixmap(
+        symbol(u"slider.horizontal.3", presetSymbolSize, Theme::current().secondaryText, ratio));
     m_presetSymbol->setPixmap(
         symbol(u"camera.filters", presetSymbolSize, Theme::current().secondaryText, ratio));
     m_presetSymbol->setAccessibleName(tr("Preset"));
@@ -131,6 +137,7 @@ void LoupeInfoBar::resizeEvent(QResizeEvent* event) {
 
 void LoupeInfoBar::makeRoom() {
     const auto hasPreset = !m_content.preset.isEmpty() && width() >= roomForPresetSymbol;
+    m_edited->setVisible(m_content.isEdited && width() >= roomForPresetSymbol);
     const auto namesPreset = hasPreset && width() >= roomForPreset;
     m_presetSymbol->setVisible(hasPreset);
     m_preset->setVisible(namesPreset);

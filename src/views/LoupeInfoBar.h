@@ -28,6 +28,7 @@ public:
         std::optional<ZoomState> zoom; ///< Empty while it is unknown and for what doesn't zoom.
         bool isLoadingFullResolution = false;
         QString preset{}; ///< The active preset's title and strength; empty for none.
+        bool isEdited = false;
         friend bool operator==(const Content&, const Content&) = default;
     };
 
@@ -53,6 +54,7 @@ private:
     QLabel* m_exposure;
     QLabel* m_mark;
     QLabel* m_stars;
+    QLabel* m_edited;
     QLabel* m_presetSymbol;
     ElidedLabel* m_preset;
     BusyIndicator* m_busy;

@@ -1,5 +1,6 @@
 #include "views/LoupeView.h"
 
+#include "presets/EditStore.h"
 #include "views/Controls.h"
 #include "views/FilmstripView.h"
 #include "views/LoupeInfoBar.h"
@@ -38,12 +39,19 @@ QString captionText(const DevelopPreset& preset) {
 
 } // namespace
 
-LoupeView::LoupeView(LibraryViewModel& library, ThumbnailService& thumbnails, PreviewService& previews,
-                     MetadataService& metadata, PresetStore& presets, PresetRenderer& presetRenderer,
-                     Executor& rendering, Executor& main, QWidget* parent)
-    : QWidget{parent}, m_library{library}, m_presets{presets},
-      m_pictures{library, thumbnails, previews, rendering, main, [this] { showPicture(); }},
-      m_preview{library, thumbnails, presetRenderer, rendering, main, [this] { showPicture(); }}, m_metadata{metadata} {
+LoupeView::LoupeView(LibraryViewModel& library, const ThumbnailSources& thumbnails, PreviewService& previews,
+                     MetadataService& metadata, PresetStore& presets, EditStore& edits,
+                     PresetRenderer& presetRenderer, Executor& rendering, Executor& main, QWidget* parent)
+    : QWidget{parent}, m_library{library}, m_presets{presets}, m_edits{edits},
+      m_pictures{library, thumbnails.service, previews, rendering, main, [this] { showPicture(); }},
+      m_preview{library,
+                thumbnails.service,
+                presetRenderer,
+                rendering,
+                main,
+                [this](const FileURL& photo) { return previewedPreset(photo); },
+                [this] { showPicture(); }},
+      m_metadata{metadata} {
     setFocusPolicy(Qt::StrongFocus);
     makeLayout(thumbnails);
     observe();
@@ -52,7 +60,7 @@ LoupeView::LoupeView(LibraryViewModel& library, ThumbnailService& thumbnails, Pr
 
 LoupeView::~LoupeView() = default;
 
-void LoupeView::makeLayout(ThumbnailService& thumbnails) {
+void LoupeView::makeLayout(const ThumbnailSources& thumbnails) {
     m_image = new ZoomableImageView{this};
     m_video = new LoupeVideoPlayer{&VideoPlayer::make, this};
     m_cannotPreview = makeCannotPreview();
@@ -108,6 +116,9 @@ void LoupeView::observe() {
         m_presets.observe({PresetProperty::activePreset, PresetProperty::showsPreviews}, [this](const auto&) {
             if (isVisible()) showPicture();
         }));
+    m_subscriptions.push_back(m_edits.observe({EditProperty::adjustments}, [this](const auto&) {
+        if (isVisible()) showPicture();
+    }));
     using P = LibraryProperty;
     m_subscriptions.push_back(
         m_library.observe({P::focusedID, P::visibleItems}, [this](const auto&) { follow(); }));
@@ -145,13 +156,26 @@ void LoupeView::togglePlayback() {
 }
 
 void LoupeView::toggleBefore() {
-    if (!previewedPreset() || !m_plain) return;
+    if (!canShowBefore()) return;
     m_showsBefore = !m_showsBefore;
     showPicture();
 }
 
+PresetStore::Preset LoupeView::chosenPreset() const {
+    return isVisible() && m_presets.showsPreviews() ? m_presets.activePreset() : nullptr;
+}
+
+PresetStore::Preset LoupeView::previewedPreset(const FileURL& photo) const {
+    if (mediaKind(photo.extension()) == MediaKind::video) return nullptr;
+    const auto preset = chosenPreset();
+    if (m_edits.adjustments(photo).isEmpty()) return preset;
+    const auto combined = m_edits.exportLook(preset ? std::optional{*preset} : std::nullopt, photo);
+    return std::make_shared<const DevelopPreset>(*combined);
+}
+
 PresetStore::Preset LoupeView::previewedPreset() const {
-    return isVisible() && m_presets.showsPreviews() && !showsVideo() ? m_presets.activePreset() : nullptr;
+    const auto* item = m_library.focusedItem();
+    return isVisible() && item ? previewedPreset(item->url) : nullptr;
 }
 
 void LoupeView::follow() {
@@ -189,6 +213,7 @@ void LoupeView::showPicture() {
     display();
     refreshInfo();
     refreshOverlays();
+    emit pictureShown();
 }
 
 LoupeView::DisplaySize LoupeView::likelySize(const QImage& thumbnail, const ZoomSize& last) {
@@ -242,6 +267,7 @@ void LoupeView::refreshInfo() {
             !showsVideo() && (m_pictures.shown().isLoading || m_preview.isRefining());
         if (const auto& preset = m_presets.activePreset(); preset && !showsVideo())
             content.preset = text(preset->titleWithAmount());
+        content.isEdited = !showsVideo() && !m_edits.adjustments(item->url).isEmpty();
         if (m_stage->currentWidget() == m_image) content.zoom = m_image->zoom();
         name = nameText(item->url);
         if (m_pictures.shown().isUnreadable) name = ThumbnailCell::unreadableText(name);
@@ -257,7 +283,7 @@ void LoupeView::refreshOverlays() {
     const auto shows = m_library.showsLoupeOverlays();
     m_info->setVisible(shows);
     m_filmstrip->setVisible(shows);
-    const auto preset = previewedPreset();
+    const auto preset = showsVideo() ? nullptr : chosenPreset();
     if (preset) m_caption->setText(captionText(*preset));
     m_caption->setVisible(shows && preset && m_plain);
     m_beforeBadge->setVisible(shows && m_showsBefore);
@@ -279,6 +305,7 @@ void LoupeView::hideEvent(QHideEvent* event) {
     m_plain = nullptr;
     m_image->clear();
     m_video->open({});
+    emit pictureShown();
 }
 
 void LoupeView::changeEvent(QEvent* event) {

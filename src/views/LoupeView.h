@@ -6,6 +6,7 @@
 #include "services/MetadataService.h"
 #include "views/LoupePictures.h"
 #include "views/PresetPreview.h"
+#include "views/ThumbnailSources.h"
 #include "views/ZoomableImageView.h"
 
 #include <QWidget>
@@ -18,22 +19,23 @@ class QStackedLayout;
 
 namespace kelvara {
 
+class EditStore;
 class FilmstripView;
 class LoupeInfoBar;
 class LoupeVideoPlayer;
 class PresetCaption;
 
-/// The focused photo, large: the picture to zoom, through the active preset where the store wants that, or
-/// the video to play; and an info bar, a filmstrip and what is said about the preset, which H hides. Works
-/// only while it is visible; the window handles the keys.
+/// The focused photo, large: the picture to zoom, through its edits and where the store wants that the active
+/// preset, or the video to play; and an info bar, a filmstrip and what is said about the preset, which H
+/// hides. Works only while it is visible; the window handles the keys.
 class LoupeView : public QWidget {
     Q_OBJECT
 
 public:
     /// `rendering` prepares large pictures for zooming; everything outlives it.
-    LoupeView(LibraryViewModel& library, ThumbnailService& thumbnails, PreviewService& previews,
-              MetadataService& metadata, PresetStore& presets, PresetRenderer& presetRenderer,
-              Executor& rendering, Executor& main, QWidget* parent = nullptr);
+    LoupeView(LibraryViewModel& library, const ThumbnailSources& thumbnails, PreviewService& previews,
+              MetadataService& metadata, PresetStore& presets, EditStore& edits,
+              PresetRenderer& presetRenderer, Executor& rendering, Executor& main, QWidget* parent = nullptr);
     ~LoupeView() override;
 
     /// Whether the picture is still to come in full resolution, or a thumbnail of the filmstrip.
@@ -42,10 +44,15 @@ public:
     void reloadPictures();
     /// Plays or pauses the video; nothing for a picture.
     void togglePlayback();
-    /// Between the photo as the active preset draws it and the photo before, until another photo or preset
-    /// comes. Nothing while no preset is previewed.
+    /// Between the photo as preset and edits draw it and the photo before, until another photo, preset or
+    /// edit comes. Nothing while there is nothing to compare.
     void toggleBefore();
     [[nodiscard]] bool showsBefore() const { return m_showsBefore; }
+    [[nodiscard]] bool canShowBefore() const { return m_plain && previewedPreset(); }
+    /// Which clipped areas of the picture are painted over.
+    void showClipping(const Clipping& clipping) { m_image->showClipping(clipping); }
+    /// The focused photo without preset and edits; null while there is no picture to be seen of it.
+    [[nodiscard]] const PresetPreview::Picture& plainPicture() const { return m_plain; }
 
     [[nodiscard]] const ZoomableImageView& imageView() const { return *m_image; }
     [[nodiscard]] const LoupeInfoBar& infoBar() const { return *m_info; }
@@ -53,6 +60,8 @@ public:
     [[nodiscard]] const PresetPreview& preview() const { return m_preview; }
 
 signals:
+    /// What the image view shows, or what it could be compared with, may be another.
+    void pictureShown();
     /// The menu of the focused photo is wanted at this point of the screen.
     void photoMenuRequested(const QPoint& screenPoint);
 
@@ -72,7 +81,7 @@ private:
     /// so the last one is a good guess where the shape is the same; then zoom and position carry over.
     [[nodiscard]] static DisplaySize likelySize(const QImage& thumbnail, const ZoomSize& last);
 
-    void makeLayout(ThumbnailService& thumbnails);
+    void makeLayout(const ThumbnailSources& thumbnails);
     [[nodiscard]] QWidget* makeCannotPreview();
     void observe();
     void follow();
@@ -83,11 +92,15 @@ private:
     void refreshOverlays();
     void showCannotPreviewSymbol();
     [[nodiscard]] bool showsVideo() const;
-    /// The preset that the picture is shown through; null for none.
+    /// The preset that a photo is shown through; null for none.
+    [[nodiscard]] PresetStore::Preset chosenPreset() const;
+    /// The same with the photo's edits.
+    [[nodiscard]] PresetStore::Preset previewedPreset(const FileURL& photo) const;
     [[nodiscard]] PresetStore::Preset previewedPreset() const;
 
     LibraryViewModel& m_library;
     PresetStore& m_presets;
+    EditStore& m_edits;
     ZoomableImageView* m_image = nullptr;
     LoupeVideoPlayer* m_video = nullptr;
     QWidget* m_cannotPreview = nullptr;

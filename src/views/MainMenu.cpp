@@ -1,22 +1,32 @@
 #include "views/MainMenu.h"
 
+#include "presets/EditStore.h"
 #include "views/PhotoCommands.h"
+#include "views/ShareMenuItems.h"
 #include "views/ZoomCommands.h"
 
 namespace kelvara {
 
 using Kind = WindowCommand::Kind;
 
-MainMenu::MainMenu(LibraryViewModel& library, QWidget* window) : QMenuBar{window}, m_library{library} {
+MainMenu::MainMenu(LibraryViewModel& library, EditHistory& edits, const ShareMenuItems& sharing,
+                   QWidget* window)
+    : QMenuBar{window}, m_library{library}, m_edits{edits} {
     addApplicationMenu();
-    addFileMenu();
+    addFileMenu(sharing);
+    addEditMenu();
     add(new PhotoCommands{this});
     addViewMenu();
     using P = LibraryProperty;
-    m_subscription = m_library.observe({P::volumes, P::sourceURL, P::items, P::visibleItems, P::focusedID,
-                                        P::checkedIDs, P::ratings, P::copyState, P::deletingCount,
-                                        P::ejectingVolumeID, P::viewMode, P::showsInspector, P::inspectorTab},
-                                       [this](const auto&) { refresh(); });
+    m_subscriptions.push_back(
+        m_library.observe({P::volumes, P::sourceURL, P::items, P::visibleItems, P::focusedID, P::checkedIDs,
+                           P::ratings, P::copyState, P::deletingCount, P::ejectingVolumeID, P::viewMode,
+                           P::showsInspector, P::inspectorTab},
+                          [this](const auto&) { refresh(); }));
+    m_subscriptions.push_back(
+        m_edits.observe({EditHistoryProperty::names}, [this](const auto&) { refresh(); }));
+    m_subscriptions.push_back(
+        m_edits.store().observe({EditProperty::copiedAdjustments}, [this](const auto&) { refresh(); }));
     refresh();
 }
 
@@ -38,12 +48,18 @@ void MainMenu::addApplicationMenu() {
     menu->add({{Kind::quit}});
 }
 
-void MainMenu::addFileMenu() {
+void MainMenu::addFileMenu(const ShareMenuItems& sharing) {
     auto* menu = add(new CommandMenu{tr("&File"), this});
     menu->add({{Kind::openFolder}, {Kind::ejectSource}});
     menu->addSeparator();
-    menu->add({{Kind::share}});
+    m_shareMenu = menu->addMenu(tr("Share"));
+    connect(m_shareMenu, &QMenu::aboutToShow, this, [this, &sharing] {
+        m_shareMenu->clear();
+        sharing.addTo(*m_shareMenu);
+    });
 }
+
+void MainMenu::addEditMenu() { add(new CommandMenu{tr("&Edit"), this})->add({{Kind::undo}, {Kind::redo}}); }
 
 void MainMenu::addViewMenu() {
     auto* menu = add(new CommandMenu{tr("&View"), this});
@@ -65,11 +81,12 @@ void MainMenu::openFirst() {
 void MainMenu::refresh() {
     for (auto* menu : m_menus) {
         menu->refresh([this](const WindowCommand& command) {
-            return commandState(command, m_library, *parentWidget());
+            return commandState(command, m_library, m_edits, *parentWidget());
         });
         // The desktop's own menu bar asks each menu.
         menu->menuAction()->setEnabled(isEnabled());
     }
+    m_shareMenu->menuAction()->setEnabled(m_library.focusedItem() != nullptr);
 }
 
 } // namespace kelvara

@@ -1,19 +1,22 @@
 #pragma once
 
 #include "library/LibraryViewModel.h"
+#include "presets/EditHistory.h"
 #include "views/CommandMenu.h"
 
 #include <QMenuBar>
 
 namespace kelvara {
 
+class ShareMenuItems;
+
 /// The menus of the main window, in it or where the desktop shows menus.
 class MainMenu : public QMenuBar {
     Q_OBJECT
 
 public:
-    /// `window` is the main window; the library outlives the menus.
-    MainMenu(LibraryViewModel& library, QWidget* window);
+    /// `window` is the main window; the others outlive the menus.
+    MainMenu(LibraryViewModel& library, EditHistory& edits, const ShareMenuItems& sharing, QWidget* window);
 
     void openFirst();
     void refresh();
@@ -24,12 +27,15 @@ signals:
 private:
     CommandMenu* add(CommandMenu* menu);
     void addApplicationMenu();
-    void addFileMenu();
+    void addFileMenu(const ShareMenuItems& sharing);
+    void addEditMenu();
     void addViewMenu();
 
     LibraryViewModel& m_library;
+    EditHistory& m_edits;
     std::vector<CommandMenu*> m_menus;
-    Subscription m_subscription;
+    QMenu* m_shareMenu;
+    std::vector<Subscription> m_subscriptions;
 };
 
 } // namespace kelvara

@@ -39,7 +39,8 @@ public:
         if (!at) return {};
         // The bus has no text of its own for values of list items, so the description says the same.
         if (kind == QAccessible::Value || kind == QAccessible::Description)
-            return ThumbnailCell::accessibleValue(library().isChecked(m_url), library().rating(m_url));
+            return ThumbnailCell::accessibleValue(library().isChecked(m_url), library().rating(m_url),
+                                                  cells().state(*at).isEdited);
         if (kind != QAccessible::Name) return {};
         const auto name = nameText(m_url);
         const auto isUnreadable = cells().state(*at).content == ThumbnailCellState::Content::unreadable;

@@ -1,12 +1,13 @@
 #include "views/PhotoCommands.h"
 
+#include "views/RatingCommands.h"
+
 namespace kelvara {
 
 PhotoCommands::PhotoCommands(QWidget* parent) : CommandMenu{tr("&Photo"), parent} {
     using Kind = WindowCommand::Kind;
     add({{Kind::toggleMark}});
-    auto* rating = addSubmenu(tr("Rating"));
-    for (int stars = 0; stars <= Rating::maximum; ++stars) rating->add({{Kind::rate, stars}});
+    RatingCommands::addTo(*this);
     addSeparator();
     add({{Kind::copyEdits}, {Kind::pasteEdits}});
     addSeparator();

@@ -1,15 +1,13 @@
 // PhotoGridView: the pointer and the keys.
 
-#include "views/LocalURL.h"
+#include "views/PhotoDrag.h"
 #include "views/PhotoGridView.h"
 #include "views/Text.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QDrag>
 #include <QHelpEvent>
 #include <QKeyEvent>
-#include <QMimeData>
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QToolTip>
@@ -113,25 +111,7 @@ void PhotoGridView::contextMenuEvent(QContextMenuEvent* event) {
 
 void PhotoGridView::startDrag(std::size_t index) {
     const auto item = m_library.visibleItems()[index];
-    QList<QUrl> urls;
-    for (const auto& target : m_library.actionTargets(item)) urls.append(toQUrl(target.url));
-    auto* drag = new QDrag{this};
-    auto* files = new QMimeData;
-    files->setUrls(urls);
-    drag->setMimeData(files);
-    const auto& thumbnail = m_thumbnails[item.url];
-    if (!thumbnail.picture.isNull()) {
-        const auto ratio = devicePixelRatioF();
-        constexpr int dragSide = 96;
-        const auto side = static_cast<int>(dragSide * ratio);
-        auto pixmap = QPixmap::fromImage(
-            thumbnail.picture.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation));
-        pixmap.setDevicePixelRatio(ratio);
-        drag->setPixmap(pixmap);
-        drag->setHotSpot(
-            {static_cast<int>(pixmap.width() / ratio / 2), static_cast<int>(pixmap.height() / ratio / 2)});
-    }
-    drag->exec(Qt::CopyAction);
+    dragPhotos(*this, m_library.actionTargets(item), m_thumbnails[item.url].picture);
 }
 
 void PhotoGridView::wheelEvent(QWheelEvent* event) {
@@ -191,7 +171,7 @@ bool PhotoGridView::showToolTip(QHelpEvent& event) {
         return true;
     }
     const auto now = state(*index);
-    auto help = now.name;
+    auto help = ThumbnailCell::help(now.name, now.isEdited);
     if (isOnMark(*index, event.pos())) {
         help = now.isMarked ? tr("Unmark for copy (S)") : tr("Mark for copy (S)");
     } else if (now.content == ThumbnailCellState::Content::unreadable) {

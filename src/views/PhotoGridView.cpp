@@ -24,10 +24,11 @@ int toSide(double points) { return std::max(static_cast<int>(std::lround(points)
 
 } // namespace
 
-PhotoGridView::PhotoGridView(LibraryViewModel& library, ThumbnailService& thumbnails,
+PhotoGridView::PhotoGridView(LibraryViewModel& library, const ThumbnailSources& thumbnails,
                              MetadataService& metadata, Preferences& preferences, QWidget* parent)
-    : QAbstractScrollArea{parent}, m_library{library}, m_preferences{preferences}, m_service{thumbnails},
-      m_thumbnails{m_service, [this](const FileURL& url) { updateCell(url); }},
+    : QAbstractScrollArea{parent}, m_library{library}, m_preferences{preferences},
+      m_service{thumbnails.service}, m_thumbnails{thumbnails,
+                                                  [this](const FileURL& url) { updateCell(url); }},
       m_exposures{metadata, [this](const FileURL& url) { updateCell(url); }},
       m_side{toSide(preferences.number(PreferenceKeys::gridThumbnailSize).value_or(usualSide))} {
     makeCellsAccessible(*this);
@@ -168,6 +169,7 @@ ThumbnailCellState PhotoGridView::state(std::size_t index) const {
     state.exposure = m_exposures[item.url];
     state.badge = text(item.url.extension()).toUpper();
     state.rating = m_library.rating(item.url);
+    state.isEdited = m_thumbnails.isEdited(item.url);
     state.showsInfo = m_showsInfo;
     state.isMarked = m_library.isChecked(item.url);
     state.isFocused = item.url == m_library.focusedID();

@@ -25,7 +25,7 @@ class PhotoGridView : public QAbstractScrollArea, public PhotoCells {
 
 public:
     /// Everything outlives it.
-    PhotoGridView(LibraryViewModel& library, ThumbnailService& thumbnails, MetadataService& metadata,
+    PhotoGridView(LibraryViewModel& library, const ThumbnailSources& thumbnails, MetadataService& metadata,
                   Preferences& preferences, QWidget* parent = nullptr);
     ~PhotoGridView() override;
 

@@ -17,8 +17,8 @@ bool drawsTheSame(const std::shared_ptr<const DevelopPreset>& a,
 
 PresetPreview::PresetPreview(LibraryViewModel& library, ThumbnailService& thumbnails,
                              PresetRenderer& renderer, Executor& rendering, Executor& main,
-                             std::function<void()> onChange)
-    : m_library{library}, m_thumbnails{thumbnails}, m_renderer{renderer},
+                             std::function<Preset(const FileURL&)> presetOf, std::function<void()> onChange)
+    : m_library{library}, m_thumbnails{thumbnails}, m_renderer{renderer}, m_presetOf{std::move(presetOf)},
       m_onChange{std::move(onChange)}, m_halving{rendering, main} {
     m_rest.setSingleShot(true);
     m_rest.setInterval(rest);
@@ -27,23 +27,23 @@ PresetPreview::PresetPreview(LibraryViewModel& library, ThumbnailService& thumbn
 
 void PresetPreview::show(Subject subject) {
     const auto isSamePhoto = subject.url == m_subject.url;
+    const auto isSamePicture = isSamePhoto && subject.plain == m_subject.plain;
     const auto isSamePreset = drawsTheSame(subject.preset, m_subject.preset);
-    if (isSamePhoto && isSamePreset && subject.plain == m_subject.plain && subject.level == m_subject.level)
-        return;
+    if (isSamePicture && isSamePreset && subject.level == m_subject.level) return;
     m_subject = std::move(subject);
-    withdraw();
-    if (!isSamePhoto || !isSamePreset) m_ahead.clear();
     const auto hasWork = m_subject.preset && m_subject.plain;
+    withdraw(isSamePicture && hasWork);
+    if (!isSamePhoto || !isSamePreset) m_ahead.clear();
     // The preset before stays in sight until the new one is drawn: anything else would flicker.
     if (!isSamePhoto || !hasWork) m_drawn = nullptr;
-    if (!hasWork) return;
-    if (!takeCached(m_subject.level) && !takeCached(liveLevel())) m_live = draw(liveLevel());
+    if (!m_subject.plain) return;
+    if (hasWork && !m_live.isPending()) drawLive();
     if (!isSamePhoto) drawAhead();
     m_rest.start();
 }
 
-void PresetPreview::withdraw() {
-    m_live = {};
+void PresetPreview::withdraw(bool keepsLive) {
+    if (!keepsLive) m_live = {};
     m_fine = {};
     m_halving.cancel();
     m_isHalving = false;
@@ -51,7 +51,7 @@ void PresetPreview::withdraw() {
 }
 
 bool PresetPreview::isLoading() const {
-    return m_live.isPending() || m_fine.isPending() || m_isHalving || m_rest.isActive();
+    return m_live.isPending() || m_fine.isPending() || m_isHalving || (m_rest.isActive() && m_subject.preset);
 }
 
 bool PresetPreview::isRefining() const {
@@ -64,8 +64,12 @@ int PresetPreview::liveLevel() const {
     return level;
 }
 
+bool PresetPreview::isCurrent(PresetRevision revision) const {
+    return m_subject.preset && m_subject.preset->revision == revision;
+}
+
 bool PresetPreview::isDrawn(int level) const {
-    return m_drawn && m_drawnRevision == m_subject.preset->revision &&
+    return m_drawn && isCurrent(m_drawnRevision) &&
            m_drawn->image().width() >= m_subject.plain->level(level).width();
 }
 
@@ -73,20 +77,31 @@ bool PresetPreview::takeCached(int level) {
     if (isDrawn(level)) return true;
     const auto cached = m_renderer.cached(*m_subject.preset, m_subject.url, m_subject.plain->bitmap(level));
     if (!cached) return false;
-    take(cached);
+    take(cached, m_subject.preset->revision);
     return isDrawn(level);
 }
 
 ImageRequest PresetPreview::draw(int level) {
-    return m_renderer.render(*m_subject.preset, m_subject.url, m_subject.plain->bitmap(level),
-                             [this, level](const BitmapPtr& bitmap) {
-                                 if (!isDrawn(level)) take(bitmap);
-                                 m_onChange();
-                             });
+    const auto revision = m_subject.preset->revision;
+    return m_renderer.render(
+        *m_subject.preset, m_subject.url, m_subject.plain->bitmap(level),
+        [this, level, revision](const BitmapPtr& bitmap) { receive(bitmap, level, revision); });
 }
 
-void PresetPreview::take(const BitmapPtr& bitmap) {
-    const auto revision = m_subject.preset->revision;
+void PresetPreview::drawLive() {
+    if (!takeCached(m_subject.level) && !takeCached(liveLevel())) m_live = draw(liveLevel());
+}
+
+void PresetPreview::receive(const BitmapPtr& bitmap, int level, PresetRevision revision) {
+    const auto isOutdated = !isCurrent(revision);
+    // An older one is nearer to what is wanted than what is in sight, unless that is already there.
+    const auto isBetter = isOutdated ? bitmap && !(m_drawn && isCurrent(m_drawnRevision)) : !isDrawn(level);
+    if (isBetter) take(bitmap, revision);
+    if (isOutdated || level > liveLevel()) drawLive();
+    m_onChange();
+}
+
+void PresetPreview::take(const BitmapPtr& bitmap, PresetRevision revision) {
     const auto show = [this, revision](Picture picture) {
         // Without memory for the new preset's picture no other preset's may stay.
         if (!picture && m_drawnRevision == revision) return;
@@ -105,18 +120,18 @@ void PresetPreview::take(const BitmapPtr& bitmap) {
 }
 
 void PresetPreview::refine() {
-    if (!isDrawn(m_subject.level) && !m_isHalving) m_fine = draw(m_subject.level);
+    if (m_subject.preset && !isDrawn(m_subject.level) && !m_isHalving) m_fine = draw(m_subject.level);
     drawAhead();
     m_onChange();
 }
 
 void PresetPreview::drawAhead() {
-    // What the loupe shows first of a photo, so that no neighbour appears without the preset.
+    // What the loupe shows first of a photo, so that no neighbour appears without its preset and edits.
     for (const auto& item : m_library.neighbours(m_subject.url, neighboursAhead)) {
-        if (item.kind() == MediaKind::video) continue;
-        const auto thumbnail = m_thumbnails.largestCachedThumbnail(item.url);
-        if (!thumbnail || m_renderer.cached(*m_subject.preset, item.url, thumbnail)) continue;
-        m_ahead.push_back(m_renderer.render(*m_subject.preset, item.url, thumbnail, [](const auto&) {}));
+        const auto preset = m_presetOf(item.url);
+        const auto thumbnail = preset ? m_thumbnails.largestCachedThumbnail(item.url) : nullptr;
+        if (!thumbnail || m_renderer.cached(*preset, item.url, thumbnail)) continue;
+        m_ahead.push_back(m_renderer.render(*preset, item.url, thumbnail, [](const auto&) {}));
     }
 }
 

@@ -1,16 +1,20 @@
 #include "views/RootView.h"
 
+#include "library/SharingController.h"
 #include "platform/Desktop.h"
 #include "platform/Preferences.h"
+#include "presets/EditHistory.h"
+#include "presets/EditStore.h"
 #include "views/ClosingSheet.h"
 #include "views/CopySheet.h"
 #include "views/DeleteSheet.h"
 #include "views/DropFrame.h"
 #include "views/EmptyState.h"
 #include "views/MainMenu.h"
-#include "views/PhotoCommands.h"
+#include "views/PhotoContextMenu.h"
 #include "views/PresetImportDialog.h"
 #include "views/PresetSheets.h"
+#include "views/ShareProgressView.h"
 #include "views/Sheet.h"
 #include "views/SideWindow.h"
 #include "views/SideWindows.h"
@@ -47,16 +51,19 @@ std::vector<FileURL> foreignPaths(const QDropEvent& event) {
 
 RootView::RootView(const Services& services, PhotoCanvases canvases)
     : m_library{services.library}, m_presets{services.presets}, m_edits{services.edits},
-      m_preferences{services.preferences}, m_desktop{services.desktop},
-      m_sideWindows{services.sideWindows}, m_onDrop{services.onDrop}, m_thumbnails{canvases.thumbnails} {
+      m_editHistory{services.editHistory}, m_preferences{services.preferences}, m_desktop{services.desktop},
+      m_sideWindows{services.sideWindows}, m_sharing{services.sharing}, m_shareItems{m_library, m_presets,
+                                                                                     m_edits, m_sharing},
+      m_onDrop{services.onDrop}, m_thumbnails{canvases.thumbnails} {
     setMinimumSize(smallestSize);
     setAcceptDrops(true);
-    m_menu = new MainMenu{m_library, this};
+    m_menu = new MainMenu{m_library, m_editHistory, m_shareItems, this};
     connect(m_menu, &MainMenu::chosen, this, &RootView::perform);
     m_splitter = new QSplitter{Qt::Horizontal, this};
     m_splitter->setHandleWidth(1);
     m_splitter->setChildrenCollapsible(false);
-    m_content = new LibraryContentView{m_library, m_preferences, std::move(canvases)};
+    m_content = new LibraryContentView{m_library, m_preferences, m_shareItems, std::move(canvases)};
+    new ShareProgressView{m_sharing, m_content};
     auto* sidebar = new SourceSidebar{m_library, m_desktop};
     connect(sidebar, &SourceSidebar::supportRequested, this,
             [this] { perform({WindowCommand::Kind::showSupport}); });
@@ -78,7 +85,7 @@ RootView::RootView(const Services& services, PhotoCanvases canvases)
     m_closingFrame = new Sheet{this};
     m_presetFrame = new Sheet{this};
     m_frameGuard = new WindowFrameGuard{*this};
-    m_copySheet = new CopySheet{m_library, m_desktop, *m_copySheetFrame, this};
+    m_copySheet = new CopySheet{m_library, m_desktop, m_sharing, *m_copySheetFrame, this};
     m_closingSheet = new ClosingSheet{m_library, *m_closingFrame, *this};
     m_presetSheets = new PresetSheets{m_presets, *m_presetFrame, this};
     for (auto* sheet : {m_copySheetFrame, m_deleteSheetFrame, m_alertFrame, m_closingFrame, m_presetFrame}) {
@@ -95,6 +102,8 @@ RootView::RootView(const Services& services, PhotoCanvases canvases)
         m_library.observe({P::pendingDeletion}, [this](const auto&) { showDeleteSheet(); }));
     m_subscriptions.push_back(m_library.observe({P::ratingSaveError, P::ejectError, P::deleteError},
                                                 [this](const auto&) { showNextAlert(); }));
+    m_subscriptions.push_back(
+        m_sharing.observe({SharingProperty::error}, [this](const auto&) { showNextAlert(); }));
     refreshTitle();
     restoreGeometryOr(usualSize);
     m_content->focusPhotos();
@@ -273,10 +282,14 @@ void RootView::perform(const WindowCommand& command) {
         return m_sideWindows.show(SideWindows::Identifier::shortcuts, *this);
     case Kind::showSupport:
         return m_sideWindows.show(SideWindows::Identifier::support, *this);
+    case Kind::undo:
+        return showEdited(m_editHistory.undo());
+    case Kind::redo:
+        return showEdited(m_editHistory.redo());
     case Kind::copyEdits:
+        return copyEdits();
     case Kind::pasteEdits:
-    case Kind::share:
-        return; // see commandState
+        return m_editHistory.paste(editTargets(m_library));
     case Kind::importPresets:
         return choosePresetFiles();
     case Kind::quit:
@@ -286,10 +299,9 @@ void RootView::perform(const WindowCommand& command) {
 }
 
 void RootView::showPhotoMenu(const QPoint& screenPoint) {
-    auto* menu = new PhotoCommands{this};
+    auto* menu = new PhotoContextMenu{m_library, m_editHistory, m_shareItems, this};
     menu->setAttribute(Qt::WA_DeleteOnClose);
     connect(menu, &CommandMenu::chosen, this, &RootView::perform);
-    menu->refresh([this](const WindowCommand& command) { return commandState(command, m_library, *this); });
     menu->popup(screenPoint);
 }
 
@@ -301,6 +313,20 @@ void RootView::stepPreset(bool forward) {
     // Nothing that shows a preset, nothing to step through.
     if (m_library.viewMode() != ViewMode::loupe && !showsPresets()) return;
     forward ? m_presets.selectNext() : m_presets.selectPrevious();
+}
+
+void RootView::copyEdits() {
+    const auto* item = m_library.focusedItem();
+    if (item && item->kind() != MediaKind::video) m_edits.copyAdjustments(item->url);
+}
+
+void RootView::showEdited(const std::vector<FileURL>& photos) {
+    const auto& focused = m_library.focusedID();
+    const auto isFocused = [&](const FileURL& photo) { return photo.stemKey() == focused.stemKey(); };
+    if (std::ranges::any_of(photos, isFocused)) return;
+    const auto isVisible = [this](const FileURL& photo) { return m_library.visibleIndex(photo).has_value(); };
+    const auto visible = std::ranges::find_if(photos, isVisible);
+    if (visible != photos.end()) m_library.setFocusedID(*visible);
 }
 
 void RootView::importPresets(std::vector<FileURL> sources) {
@@ -347,6 +373,8 @@ void RootView::showNextAlert() {
         present(tr("Couldn't Eject"), m_library.ejectError(), [this] { m_library.clearEjectError(); });
     } else if (!m_library.deleteError().empty()) {
         present(tr("Couldn't Delete"), m_library.deleteError(), [this] { m_library.clearDeleteError(); });
+    } else if (!m_sharing.error().empty()) {
+        present(tr("Couldn't Share"), m_sharing.error(), [this] { m_sharing.clearError(); });
     } else {
         m_alertFrame->dismiss();
     }

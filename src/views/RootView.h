@@ -2,6 +2,7 @@
 
 #include "library/LibraryViewModel.h"
 #include "views/LibraryContentView.h"
+#include "views/ShareMenuItems.h"
 #include "views/WindowKeys.h"
 
 class QSplitter;
@@ -12,6 +13,7 @@ class ClosingSheet;
 class CopySheet;
 class DeleteSheet;
 class DropFrame;
+class EditHistory;
 class EditStore;
 class MainMenu;
 class PresetSheets;
@@ -19,7 +21,6 @@ class PresetStore;
 class SharingController;
 class Sheet;
 class SideWindows;
-class ThumbnailService;
 class WindowFrameGuard;
 
 /// The main window: the sources at the left, their photos at the right.
@@ -32,6 +33,7 @@ public:
         LibraryViewModel& library;
         PresetStore& presets;
         EditStore& edits;
+        EditHistory& editHistory;
         Preferences& preferences;
         Desktop& desktop;
         SideWindows& sideWindows;
@@ -47,6 +49,7 @@ public:
     /// What can be done with the focused photo, as a menu beside it.
     void showPhotoMenu(const QPoint& screenPoint);
     [[nodiscard]] PresetStore& presets() { return m_presets; }
+    [[nodiscard]] EditHistory& edits() { return m_editHistory; }
     /// Asks which files of presets, or which folder of them, to import.
     void choosePresetFiles();
     void choosePresetFolder();
@@ -81,15 +84,21 @@ private:
     [[nodiscard]] bool showsPresets() const;
     void importPresets(std::vector<FileURL> sources);
     void stepPreset(bool forward);
+    void copyEdits();
+    /// Goes where something changed, if nothing that is in sight did.
+    void showEdited(const std::vector<FileURL>& photos);
 
     LibraryViewModel& m_library;
     PresetStore& m_presets;
     EditStore& m_edits;
+    EditHistory& m_editHistory;
     Preferences& m_preferences;
     Desktop& m_desktop;
     SideWindows& m_sideWindows;
+    SharingController& m_sharing;
+    ShareMenuItems m_shareItems;
     std::function<void(const FileURL&)> m_onDrop;
-    ThumbnailService* m_thumbnails; // may be none
+    std::optional<ThumbnailSources> m_thumbnails;
     MainMenu* m_menu;
     QSplitter* m_splitter;
     LibraryContentView* m_content;

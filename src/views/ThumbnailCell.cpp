@@ -22,7 +22,6 @@ using Style = ThumbnailCellState::Style;
 constexpr int starSize = 12;
 constexpr int ringWidth = 2;
 constexpr int markSide = 20;
-constexpr int badgeMargin = 5;
 constexpr int badgePadding = 3;
 constexpr int roomForStars = 160; // a cell this wide has stars beside the name
 constexpr int roomForWords = 120; // a cell this wide can say why it shows nothing
@@ -33,8 +32,12 @@ struct Metrics {
     int tileRadius;
     int pictureMargin;
     int markMargin;
+    int badgeMargin;
+    int badgeSymbolSide; // in the filmstrip small enough to stay above a picture of usual shape
 };
-Metrics metrics(Style style) { return style == Style::grid ? Metrics{6, 8, 6} : Metrics{4, 3, 3}; }
+Metrics metrics(Style style) {
+    return style == Style::grid ? Metrics{6, 8, 6, 5, 12} : Metrics{4, 3, 3, 2, 10};
+}
 
 QColor blend(const QColor& base, const QColor& tint, double share) {
     const auto mix = [share](int a, int b) { return static_cast<int>(std::lround(a + (b - a) * share)); };
@@ -121,17 +124,24 @@ void paintAbsence(QPainter& painter, const QRect& rect, const ThumbnailCellState
     painter.drawText(words, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, tr("Can't read this file"));
 }
 
+/// In a corner that nothing else is in: whether it is a video, whether the photo is edited, and in the grid
+/// the extension.
 void paintBadge(QPainter& painter, const QRect& rect, const ThumbnailCellState& state) {
-    if (state.badge.isEmpty()) return;
+    const bool isGrid = state.style == Style::grid;
+    const auto badge = isGrid ? state.badge : QString{};
+    QStringView symbolName;
+    if (state.isEdited) symbolName = u"slider.horizontal.3";
+    if (isGrid && state.kind == MediaKind::video && state.content != Content::loading) symbolName = u"film";
+    if (badge.isEmpty() && symbolName.isEmpty()) return;
     const auto& theme = Theme::current();
     const auto badgeFont = font(TextRole::badge);
     const QFontMetrics letters{badgeFont};
-    const bool isVideo = state.kind == MediaKind::video && state.content != Content::loading;
-    constexpr int filmSize = 12;
-    const auto film = isVideo ? filmSize + 3 : 0;
-    const auto width = letters.horizontalAdvance(state.badge) + film + 2 * badgePadding;
-    const auto height = letters.height() + 3;
-    const QRect pill{rect.right() + 1 - badgeMargin - width, rect.top() + badgeMargin, width, height};
+    const auto symbolSide = symbolName.isEmpty() ? 0 : metrics(state.style).badgeSymbolSide;
+    const auto between = symbolName.isEmpty() || badge.isEmpty() ? 0 : badgePadding;
+    const auto width = letters.horizontalAdvance(badge) + between + symbolSide + 2 * badgePadding;
+    const auto height = isGrid ? letters.height() + 3 : symbolSide + 2;
+    const auto margin = metrics(state.style).badgeMargin;
+    const QRect pill{rect.right() + 1 - margin - width, rect.top() + margin, width, height};
     // In the tile's colour, so that it is a label on the mount and still readable over a picture.
     auto ground = tileColor(state);
     ground.setAlpha(215);
@@ -140,10 +150,11 @@ void paintBadge(QPainter& painter, const QRect& rect, const ThumbnailCellState& 
     painter.drawRoundedRect(pill, 4, 4);
     painter.setFont(badgeFont);
     painter.setPen(theme.secondaryText);
-    if (isVideo)
-        paintSymbol(painter, {pill.left() + badgePadding + filmSize / 2, pill.center().y() + 1}, u"film",
-                    filmSize, theme.secondaryText);
-    painter.drawText(pill.adjusted(badgePadding + film, 0, -badgePadding, 0), Qt::AlignCenter, state.badge);
+    if (!symbolName.isEmpty())
+        paintSymbol(painter, {pill.left() + badgePadding + symbolSide / 2, pill.center().y() + 1}, symbolName,
+                    symbolSide, theme.secondaryText);
+    painter.drawText(pill.adjusted(badgePadding + symbolSide + between, 0, -badgePadding, 0), Qt::AlignCenter,
+                     badge);
 }
 
 void paintMark(QPainter& painter, const QRect& rect, const ThumbnailCellState& state) {
@@ -233,8 +244,9 @@ void paintInfo(QPainter& painter, const QRect& rect, const ThumbnailCellState& s
 bool ThumbnailCellState::looksLike(const ThumbnailCellState& other) const {
     return picture.cacheKey() == other.picture.cacheKey() && content == other.content &&
            style == other.style && rating == other.rating && showsInfo == other.showsInfo &&
-           isMarked == other.isMarked && isFocused == other.isFocused && isHovered == other.isHovered &&
-           isMarkHovered == other.isMarkHovered && name == other.name && exposure == other.exposure;
+           isEdited == other.isEdited && isMarked == other.isMarked && isFocused == other.isFocused &&
+           isHovered == other.isHovered && isMarkHovered == other.isMarkHovered && name == other.name &&
+           exposure == other.exposure;
 }
 
 namespace ThumbnailCell {
@@ -260,7 +272,7 @@ QImage render(const QSize& size, const ThumbnailCellState& state, qreal devicePi
     } else {
         paintAbsence(painter, rect, state);
     }
-    if (state.style == Style::grid) paintBadge(painter, rect, state);
+    paintBadge(painter, rect, state);
     paintInfo(painter, rect, state);
     paintMark(painter, rect, state);
     return image;
@@ -281,11 +293,16 @@ void paintFocusRing(QPainter& painter, const QRect& rect) {
     painter.restore();
 }
 
-QString accessibleValue(bool isMarked, Rating rating) {
+QString accessibleValue(bool isMarked, Rating rating, bool isEdited) {
     QStringList parts;
     if (isMarked) parts.append(tr("Marked"));
     if (rating != Rating{}) parts.append(RatingStars::text(rating));
+    if (isEdited) parts.append(tr("Edited"));
     return parts.join(QStringLiteral(", "));
+}
+
+QString help(const QString& name, bool isEdited) {
+    return isEdited ? name + QStringLiteral(" · ") + tr("Edited") : name;
 }
 
 QString unreadableText(const QString& name) {

@@ -27,6 +27,7 @@ struct ThumbnailCellState {
     std::optional<MediaKind> kind;
     Rating rating;
     bool showsInfo = false;
+    bool isEdited = false;
     bool isMarked = false;
     bool isFocused = false;
     bool isHovered = false;
@@ -52,8 +53,10 @@ void paintRoughly(QPainter& painter, const QRect& rect, const ThumbnailCellState
 /// Lies around the cell, in the gap between cells.
 void paintFocusRing(QPainter& painter, const QRect& rect);
 
-/// What assistive tools say: "Marked, 3 of 5 stars"; nothing of stars where there are none.
-[[nodiscard]] QString accessibleValue(bool isMarked, Rating rating);
+/// What assistive tools say: "Marked, 3 of 5 stars, Edited"; nothing of stars where there are none.
+[[nodiscard]] QString accessibleValue(bool isMarked, Rating rating, bool isEdited = false);
+/// What is said of the photo under the pointer: "DSC_1.NEF · Edited".
+[[nodiscard]] QString help(const QString& name, bool isEdited);
 [[nodiscard]] QString unreadableText(const QString& name);
 
 } // namespace ThumbnailCell

@@ -33,6 +33,9 @@ constexpr std::array menuKeys{
     MenuKey{Kind::focusSearch, Qt::CTRL | Qt::Key_F},
     MenuKey{Kind::copyMarked, Qt::CTRL | Qt::Key_Return},
     MenuKey{Kind::copyMarked, Qt::CTRL | Qt::Key_Enter},
+    MenuKey{Kind::undo, Qt::CTRL | Qt::Key_Z},
+    MenuKey{Kind::redo, Qt::CTRL | Qt::SHIFT | Qt::Key_Z},
+    MenuKey{Kind::redo, Qt::CTRL | Qt::Key_Y},
     MenuKey{Kind::copyEdits, Qt::CTRL | Qt::SHIFT | Qt::Key_C},
     MenuKey{Kind::pasteEdits, Qt::CTRL | Qt::SHIFT | Qt::Key_V},
     MenuKey{Kind::deletePhotos, Qt::CTRL | Qt::Key_Backspace},
@@ -55,7 +58,8 @@ constexpr std::array menuKeys{
 
 /// Keys with which a text field edits its text.
 bool editsText(Kind command) {
-    return command == Kind::copyEdits || command == Kind::pasteEdits || command == Kind::deletePhotos;
+    return command == Kind::undo || command == Kind::redo || command == Kind::copyEdits ||
+           command == Kind::pasteEdits || command == Kind::deletePhotos;
 }
 
 bool isForSingleImage(Kind command) {

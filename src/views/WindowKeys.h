@@ -37,7 +37,8 @@ struct WindowCommand {
         togglePresetBefore, ///< Between the photo as the preset draws it and the photo before.
         openFolder,
         ejectSource,
-        share,
+        undo,
+        redo,
         copyEdits,
         pasteEdits,
         clearMarks,

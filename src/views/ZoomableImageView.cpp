@@ -74,6 +74,10 @@ void ZoomableImageView::resetZoom() {
     didChange();
 }
 
+void ZoomableImageView::showClipping(const Clipping& clipping) {
+    if (std::exchange(m_clipping, clipping) != clipping) didChange();
+}
+
 void ZoomableImageView::perform(const ZoomRequest& request) {
     if (request.serial == m_lastSerial) return;
     m_lastSerial = request.serial;
@@ -222,6 +226,7 @@ void ZoomableImageView::renderFrame() {
               {m_geometry.origin(), m_geometry.magnification(), m_geometry.pixelSize(),
                m_geometry.usesNearestNeighbour() && !isStandIn},
               background);
+    paintClipping(m_frame, m_clipping);
 }
 
 void ZoomableImageView::paintEvent(QPaintEvent* event) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/LibraryTypes.h"
+#include "views/Clipping.h"
 #include "views/ImagePyramid.h"
 #include "views/ZoomGeometry.h"
 
@@ -36,6 +37,9 @@ public:
     void resetZoom();
     [[nodiscard]] const std::shared_ptr<const ImagePyramid>& image() const { return m_image; }
     [[nodiscard]] const ZoomGeometry& geometry() const { return m_geometry; }
+
+    /// Which clipped areas are painted over, in what is on screen.
+    void showClipping(const Clipping& clipping);
 
     /// Performs a request that was not performed before, told by its serial.
     void perform(const ZoomRequest& request);
@@ -81,6 +85,7 @@ private:
     std::shared_ptr<const ImagePyramid> m_image;
     QImage m_frame; // what the view shows, in screen pixels
     bool m_isFrameCurrent = false;
+    Clipping m_clipping;
     std::optional<Animation> m_animation;
     QTimer m_frames;
     int m_lastSerial = 0;

@@ -68,7 +68,8 @@ TEST_F(PresetCommandsTest, whatMakesNoSenseIsRefused) {
         EXPECT_EQ(look({path("bad")}).exitCode, 1) << line;
     }
     EXPECT_EQ(look({path("missing")}).exitCode, 1);
-    EXPECT_EQ(look({path("colors"), "--amount", "2"}).exitCode, 2);
+    for (const auto* amount : {"2", "-0.1", "nan", "inf", "half"})
+        EXPECT_EQ(look({path("colors"), "--amount", amount}).exitCode, 2) << amount;
     EXPECT_EQ(run({"preset", path("missing.xmp")}).exitCode, 1);
     EXPECT_EQ(run({"preset", path("colors")}).errors,
               "kelvara-cli: colors isn't a Lightroom preset this app can read.\n");

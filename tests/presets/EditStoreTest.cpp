@@ -2,6 +2,7 @@
 #include "support/FakeFileSystem.h"
 #include "support/ManualExecutor.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace kelvara {
@@ -9,7 +10,9 @@ namespace {
 
 using Slider = LightAdjustments::Slider;
 using Operation = FakeFileSystem::Operation;
+using testing::HasSubstr;
 
+const std::string path = "/support/kelvara/Edits.json";
 const FileURL raw{"/card/a\xff.CR3"};
 const FileURL jpeg{"/card/a\xff.JPG"};
 const FileURL other{"/card/b.JPG"};
@@ -27,7 +30,7 @@ protected:
         m_store.reset();
         runAll();
         m_store =
-            std::make_unique<EditStore>(files, FileURL{"/support/kelvara/Edits.json"}, writer, main,
+            std::make_unique<EditStore>(files, FileURL{path}, writer, main,
                                         [this](std::chrono::milliseconds delay, std::function<void()> job) {
                                             EXPECT_EQ(delay, EditStore::saveDelay);
                                             alarms.push_back(std::move(job));
@@ -43,9 +46,7 @@ protected:
         for (const auto& alarm : std::exchange(alarms, {})) alarm();
         runAll();
     }
-    [[nodiscard]] std::string saved() const {
-        return files.bytes("/support/kelvara/Edits.json").value_or("none");
-    }
+    [[nodiscard]] std::string saved() const { return files.bytes(path).value_or("none"); }
     EditStore& store() { return *m_store; }
 
     FakeFileSystem files;
@@ -66,13 +67,12 @@ TEST_F(EditStoreTest, editsBelongToTheShotAndComeBack) {
     EXPECT_EQ(changes, 1);
     EXPECT_EQ(saved(), "none");
     wait();
-    EXPECT_EQ(saved(),
-              "{\n \"file:///card/a%FF.xmp\": {\n  \"exposure\": 0.35,\n  \"shadows\": 40.0\n }\n}\n");
+    EXPECT_EQ(saved(), "{\n \"file:///card/a%FF.xmp\": {\"exposure\": 0.35, \"shadows\": 40}\n}\n");
     openLoaded();
     EXPECT_EQ(store().adjustments(raw), light(0.35, 40));
     store().setAdjustments({}, raw);
     wait();
-    EXPECT_EQ(saved(), "{}\n");
+    EXPECT_EQ(saved(), "{\n}\n");
 }
 
 TEST_F(EditStoreTest, aBurstOfChangesIsWrittenOnce) {
@@ -119,43 +119,118 @@ TEST_F(EditStoreTest, whatIsEditedBeforeTheFileIsReadWins) {
     EXPECT_TRUE(store().adjustments(raw).isEmpty());
     EXPECT_EQ(store().adjustments(other), light(2));
     wait();
-    EXPECT_EQ(saved(), "{\n \"file:///card/b.xmp\": {\n  \"exposure\": 2.0\n },\n \"file:///card/c.xmp\": {\n"
-                       "  \"exposure\": 3.0\n }\n}\n");
+    EXPECT_EQ(
+        saved(),
+        "{\n \"file:///card/b.xmp\": {\"exposure\": 2},\n \"file:///card/c.xmp\": {\"exposure\": 3}\n}\n");
 }
 
-TEST_F(EditStoreTest, oddFilesAreReadAsFarAsTheyMakeSense) {
-    files.addFile("/support/kelvara/Edits.json",
-                  R"({"/card/x.xmp": {"exposure": 1}, "file:///card/b.xmp": {"exposure": 9, "shadows": "4",)"
-                  R"( "contrast": 0.1, "grain": 5, "blacks": 1e999}, "file:///card/c.xmp": 3, "x": {}})");
+TEST_F(EditStoreTest, whatIsNotUnderstoodStaysAsItStands) {
+    const std::string kept = "{\n \"version\": 2.10,\n"
+                             " \"/card/x.jpg\": {\"exposure\":1 , \"mask\" : [\"}\\\"\", {}]},\n"
+                             " \"file:///card/c.xmp\": {\"exposure\": 1e999, \"blacks\": 9},\n"
+                             " \"file:///card/%.xmp\": {\"exposure\": 1},\n \"file:///card/d.xmp\": \"\xff\"";
+    files.addFile(path, kept + R"(, "file:///card/b.xmp": {"exposure": 9, "shadows": "4", "contrast": 0.1,)" +
+                            R"( "grain": 1.50, "whites": -40}, "file:///card/%62.xmp":{"blacks":7}})");
     openLoaded();
-    EXPECT_TRUE(store().adjustments(other).isEmpty()) << "1e999 is no JSON number that fits";
-    EXPECT_TRUE(files.bytes("/support/kelvara/Edits.json.damaged"));
-    files.addFile("/support/kelvara/Edits.json",
-                  R"({"/card/x.xmp": {"exposure": 1}, "file:///card/b.xmp": {"exposure": 9, "shadows": "4",)"
-                  R"( "contrast": 0.1, "grain": 5}, "file:///card/c.xmp": 3, "x": {}})");
-    openLoaded();
-    EXPECT_EQ(store().adjustments(other), light(5));
-    for (const auto* text : {"", "[]", "{", "null"}) {
-        files.addFile("/support/kelvara/Edits.json", text);
+    EXPECT_EQ(store().adjustments(FileURL{"/card/x.CR3"}), light(1));
+    EXPECT_EQ(store().adjustments(FileURL{"/card/c.CR3"})[Slider::blacks], 9);
+    EXPECT_EQ(store().adjustments(other)[Slider::blacks], 7) << "of two spellings the last";
+    store().setAdjustments(light(7, 4), other);
+    wait();
+    EXPECT_EQ(saved(),
+              kept + ",\n \"file:///card/b.xmp\": {\"exposure\": 5, \"shadows\": 4, \"grain\": 1.50}\n}\n");
+    store().setAdjustments({}, other);
+    wait();
+    EXPECT_EQ(saved(), kept + ",\n \"file:///card/b.xmp\": {\"grain\": 1.50}\n}\n");
+}
+
+TEST_F(EditStoreTest, damagedFilesArePutAside) {
+    std::string aside = path + ".damaged";
+    int asides = 0;
+    for (const std::string text : {"[]", "{", "{\"a\": 1", "{\"a\": [}]}", "{\"a\" 1}", "{} x", "{\"a\\",
+                                   "{a: 1}", "{\"a\":}", "{,}"}) {
+        files.addFile(path, text);
         openLoaded();
         EXPECT_TRUE(store().adjustments(other).isEmpty());
+        EXPECT_EQ(saved(), text) << "not before there is something to save";
+        store().setAdjustments(light(1), raw);
+        wait();
+        EXPECT_EQ(files.bytes(aside), text);
+        aside = path + ".damaged." + std::to_string(++asides);
     }
-    files.addFile("/support/kelvara/Edits.json", "of another user");
-    files.refuse(Operation::read, "/support/kelvara/Edits.json");
+    files.addFile(path, "{");
+    store().setAdjustments(light(2), other);
+    wait();
     openLoaded();
-    EXPECT_EQ(files.bytes("/support/kelvara/Edits.json.damaged.5"), "of another user") << "none is replaced";
+    EXPECT_EQ(store().adjustments(raw), light(1)) << "what was known is written anew";
+    EXPECT_EQ(store().adjustments(other), light(2));
 }
 
-TEST_F(EditStoreTest, aFailedWriteIsTriedAgain) {
+TEST_F(EditStoreTest, severalStoresShareTheFile) {
+    openLoaded();
+    const auto first = std::move(m_store);
+    openLoaded();
+    int changes = 0;
+    const auto subscription = first->observe({EditProperty::adjustments}, [&](const auto&) { ++changes; });
+    store().setAdjustments(light(1), raw);
+    store().setAdjustments(light(2), other);
+    wait();
+    EXPECT_TRUE(first->adjustments(other).isEmpty());
+    first->setAdjustments(light(3), raw);
+    wait();
+    EXPECT_EQ(first->adjustments(raw), light(3));
+    EXPECT_EQ(first->adjustments(other), light(2));
+    EXPECT_EQ(changes, 2) << "one of its own, one of the other";
+    store().setAdjustments({}, other);
+    wait();
+    EXPECT_EQ(store().adjustments(raw), light(3));
+    first->setAdjustments(light(4), raw);
+    wait();
+    EXPECT_TRUE(first->adjustments(other).isEmpty());
+    EXPECT_EQ(saved(), "{\n \"file:///card/a%FF.xmp\": {\"exposure\": 4}\n}\n");
+}
+
+TEST_F(EditStoreTest, aFailedWriteIsToldAndTriedAgain) {
     openLoaded();
     files.failChange(2); // after the folder's creation
     store().setAdjustments(light(1), raw);
     wait();
     EXPECT_EQ(saved(), "none");
+    EXPECT_EQ(store().saveError(), "Couldn't save the edits: “Edits.json”: Input/output error");
     EXPECT_EQ(store().adjustments(raw), light(1));
+
+    bool isFirst = true; // what is changed while a save runs is saved after it
+    files.onOperation = [&](Operation operation, const FileURL&) {
+        if (operation == Operation::write && std::exchange(isFirst, false))
+            store().setAdjustments(light(3), raw);
+    };
+    store().setAdjustments(light(2), other);
+    wait();
+    EXPECT_EQ(store().saveError(), "");
+    EXPECT_THAT(saved(), AllOf(HasSubstr("\"exposure\": 1}"), HasSubstr("\"exposure\": 2}")));
+    wait();
+    EXPECT_THAT(saved(), HasSubstr("\"exposure\": 3}"));
+
+    files.failChange(2);
+    store().setAdjustments(light(4), raw);
+    wait();
     m_store.reset();
     runAll();
-    EXPECT_NE(saved(), "none");
+    EXPECT_THAT(saved(), HasSubstr("\"exposure\": 4}"));
+}
+
+TEST_F(EditStoreTest, aFileThatCantBeReadIsNotReplaced) {
+    files.addFile(path, "of another user");
+    files.refuse(Operation::read, path);
+    openLoaded();
+    store().setAdjustments(light(1), raw);
+    wait();
+    EXPECT_EQ(store().saveError(), "Couldn't save the edits: “Edits.json”: Permission denied");
+    EXPECT_EQ(store().adjustments(raw), light(1));
+    EXPECT_EQ(saved(), "of another user");
+    EXPECT_EQ(files.paths(), std::vector{path});
+    store().clearSaveError();
+    EXPECT_EQ(store().saveError(), "");
 }
 
 TEST_F(EditStoreTest, photosAreDrawnWithPresetAndEdits) {

@@ -347,4 +347,5 @@ def main():
     assert 0 < identities < count / 2 < changed, "the presets are no good sample"
 
 
-main()
+if __name__ == "__main__":
+    main()

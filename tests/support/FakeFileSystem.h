@@ -131,6 +131,11 @@ public:
         });
     }
 
+    /// Whoever asks gets it.
+    [[nodiscard]] Result<std::unique_ptr<FileLock>, FileError> lock(const FileURL&) override {
+        return std::make_unique<FileLock>();
+    }
+
     Result<void, FileError> createFolders(const FileURL& folder) override {
         return perform(Operation::createFolders, folder, [&]() -> Result<void, FileError> {
             for (auto above = folder; above.path() != "/"; above = above.parent()) {

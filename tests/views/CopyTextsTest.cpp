@@ -54,14 +54,16 @@ TEST(CopyTextsTest, theReportCountsOnlyWhatHappened) {
     report.copied = 12;
     report.copiedBytes = 340'000'000;
     report.duration = 68s;
-    auto rows = copyReportRows(report, false);
+    auto rows = copyReportRows(report, CopyKind::copy);
     ASSERT_EQ(rows.size(), 1);
     EXPECT_EQ(rows[0].count + ": " + rows[0].detail, QString{"12 copied: 340 MB in 1 min, 8 sec"});
-    EXPECT_EQ(copyReportRows(report, true)[0].detail, QString{"340 MB in 1 min, 8 sec · verified"});
+    EXPECT_EQ(copyReportRows(report, CopyKind::verifiedCopy)[0].detail,
+              QString{"340 MB in 1 min, 8 sec · verified"});
+    EXPECT_EQ(copyReportRows(report, CopyKind::exported)[0].count, QString{"12 exported"});
     report.skipped = 2;
     report.renamed = 1;
     report.failures = {{"a.jpg", "Permission denied"}};
-    rows = copyReportRows(report, false);
+    rows = copyReportRows(report, CopyKind::copy);
     ASSERT_EQ(rows.size(), 4);
     EXPECT_EQ(rows[1].count + ": " + rows[1].detail,
               QString{"2 already there: skipped (same name and size)"});

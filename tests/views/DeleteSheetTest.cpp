@@ -47,7 +47,7 @@ protected:
         std::vector<PhotoItem> items;
         for (std::size_t i = 0; i < count; ++i) items.push_back(m_library->visibleItems()[i]);
         m_library->requestDelete(items);
-        m_sheet = std::make_unique<DeleteSheet>(*m_library, &m_thumbnails);
+        m_sheet = std::make_unique<DeleteSheet>(*m_library, m_sources);
         m_sheet->show();
         return *m_sheet;
     }

@@ -28,7 +28,7 @@ protected:
                                                                  .collationLocale = {}});
         settle();
         m_library->toggleViewMode();
-        m_loupe = std::make_unique<LoupeView>(*m_library, m_thumbnails, m_previews, m_metadata, *m_presets,
+        m_loupe = std::make_unique<LoupeView>(*m_library, m_sources, m_previews, m_metadata, *m_presets,
                                               m_renderer, m_rendering, m_main);
         m_loupe->resize(400, 400);
         m_loupe->show();
@@ -53,8 +53,8 @@ protected:
     /// Until nothing is on its way, what waits for a moment without changes included.
     void settleLoupe() {
         ASSERT_TRUE(QTest::qWaitFor([this] {
-            while (m_drawing.runOne() || m_decoding.runOne() || m_reading.runOne() || m_rendering.runOne() ||
-                   m_main.runOne()) {
+            while (m_drawing.runOne() || m_thumbnailDrawing.runOne() || m_decoding.runOne() ||
+                   m_reading.runOne() || m_rendering.runOne() || m_main.runOne()) {
             }
             return !m_loupe->isLoading();
         }));

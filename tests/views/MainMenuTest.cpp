@@ -1,7 +1,7 @@
 #include "views/MainMenu.h"
 
-#include "library/LibraryFixture.h"
 #include "library/PreferenceKeys.h"
+#include "views/TestSharing.h"
 
 namespace kelvara {
 
@@ -11,7 +11,8 @@ protected:
     void open(std::initializer_list<std::string_view> names) {
         for (const auto name : names) m_card.write(std::string{"DCIM/"} + std::string{name}, "12345678");
         start(m_card / "DCIM");
-        m_menu = new MainMenu{*m_library, &m_window};
+        m_items = std::make_unique<ShareMenuItems>(m_sharing.items(*m_library));
+        m_menu = new MainMenu{*m_library, *m_items, &m_window};
     }
     [[nodiscard]] QMenu* menu(const QString& title) const {
         for (auto* found : m_menu->findChildren<QMenu*>()) {
@@ -42,6 +43,8 @@ protected:
         return found && found->isEnabled();
     }
 
+    TestSharing m_sharing{services()};
+    std::unique_ptr<ShareMenuItems> m_items;
     QWidget m_window;
     MainMenu* m_menu = nullptr;
 };
@@ -60,13 +63,13 @@ TEST_F(MainMenuTest, commandsStandInTheirMenusWithTheirKeys) {
     EXPECT_EQ(entries(*menu("Kelvara")),
               (QStringList{"About Kelvara", "-", "Import Presets…", "Settings… (Ctrl+,)", "-",
                            "Keyboard Shortcuts (Ctrl+/)", "Support Kelvara", "-", "Quit Kelvara (Ctrl+Q)"}));
-    EXPECT_EQ(entries(*menu("File")), (QStringList{"Open Folder… (Ctrl+O)", "Eject", "-", "Share…"}));
+    EXPECT_EQ(entries(*menu("File")), (QStringList{"Open Folder… (Ctrl+O)", "Eject", "-", "Share"}));
 }
 
 TEST_F(MainMenuTest, withoutAPhotoOnlyWhatNeedsNoneCanBeChosen) {
     open({});
     for (const auto* title : {"Mark for Copy", "Rating", "Copy Marked Files", "Clear Marks", "Show in Finder",
-                              "Zoom In", "Show Single Image", "Find File Names", "Eject"})
+                              "Zoom In", "Show Single Image", "Find File Names", "Eject", "Share"})
         EXPECT_FALSE(canChoose(title)) << title;
     for (const auto* title :
          {"Open Folder…", "Settings…", "About Kelvara", "Keyboard Shortcuts", "Info", "Full Screen"})

@@ -15,7 +15,7 @@ protected:
     PhotoGridView& show(int photos, QSize size = {640, 500}) {
         addPhotos(photos);
         open();
-        m_grid = std::make_unique<PhotoGridView>(*m_library, m_thumbnails, m_metadata, m_preferences);
+        m_grid = std::make_unique<PhotoGridView>(*m_library, m_sources, m_metadata, m_preferences);
         m_grid->setThumbnailSize(120);
         m_grid->resize(size);
         m_grid->show();
@@ -182,7 +182,8 @@ TEST_F(PhotoGridViewTest, assistiveToolsSeeEachPhotoAndCanMarkAndOpenIt) {
     EXPECT_TRUE(cell->state().checked);
     EXPECT_EQ(actions->localizedActionName(actions->toggleAction()), QStringLiteral("Unmark for Copy"));
     m_library->setRating(*Rating::fromRawValue(3), photo(3));
-    EXPECT_EQ(cell->text(QAccessible::Value), QStringLiteral("Marked, 3 of 5 stars"));
+    edit(photo(3), 1);
+    EXPECT_EQ(cell->text(QAccessible::Value), QStringLiteral("Marked, 3 of 5 stars, Edited"));
     actions->doAction(actions->pressAction());
     EXPECT_EQ(m_library->focusedIndex(), 3U);
     EXPECT_EQ(m_library->viewMode(), ViewMode::loupe);

@@ -1,9 +1,12 @@
 #pragma once
 
 #include "library/LibraryFixture.h"
+#include "presets/EditStore.h"
+#include "presets/PresetRenderer.h"
 #include "services/MetadataService.h"
 #include "services/PreviewService.h"
 #include "services/ThumbnailService.h"
+#include "views/ThumbnailSources.h"
 
 #include <QColor>
 #include <QImage>
@@ -36,8 +39,14 @@ protected:
     }
     /// Runs everything there is to do, decodes included.
     void settlePictures() {
-        while (m_decoding.runOne() || m_reading.runOne() || m_rendering.runOne() || m_main.runOne()) {
+        while (m_decoding.runOne() || m_reading.runOne() || m_rendering.runOne() ||
+               m_thumbnailDrawing.runOne() || m_main.runOne()) {
         }
+    }
+    void edit(const FileURL& photo, double exposure) {
+        LightAdjustments edits;
+        edits.set(LightAdjustments::Slider::exposure, exposure);
+        m_edits.setAdjustments(edits, photo);
     }
     [[nodiscard]] FileURL photo(std::size_t index) const { return m_library->visibleItems()[index].url; }
 
@@ -63,6 +72,11 @@ protected:
                  return std::vector<MetadataSection>{{"Exif", {{"Name", std::string{url.name()}}}}};
              }}};
     PreviewService m_previews{ImageExecutors{m_decoding, m_decoding, m_main}, m_thumbnails};
+    EditStore m_edits{m_files, FileURL{"/nowhere/Edits.json"}, m_background, m_main,
+                      [](auto, const auto&) {}};
+    ManualExecutor m_thumbnailDrawing; ///< Through edits.
+    PresetRenderer m_thumbnailRenderer{m_thumbnailDrawing, m_main};
+    ThumbnailSources m_sources{m_thumbnails, m_edits, m_thumbnailRenderer};
 };
 
 } // namespace kelvara

@@ -357,6 +357,39 @@ TEST_F(RootViewTest, aCopyThatEndsByItselfTakesTheQuestionBack) {
     EXPECT_FALSE(window.isVisible());
 }
 
+TEST_F(RootViewTest, anExportAsksHowThenWhereAndOffersToShareTheFiles) {
+    QImage picture{40, 30, QImage::Format_RGB32};
+    picture.fill(Qt::red);
+    ASSERT_TRUE(picture.save(QString::fromStdString(m_card.at("a.jpg").path()), "JPEG"));
+    open({});
+    const auto choose = [this] {
+        auto* menu = find<QToolButton>("Copy Options")->menu();
+        emit menu->aboutToShow();
+        for (auto* action : menu->actions()) {
+            if (action->text() == "Export 1 Photo…") action->trigger();
+        }
+    };
+    press(Qt::Key_S);
+    choose();
+    ASSERT_NE(visibleButton("Export"), nullptr);
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(std::holds_alternative<CopyIdle>(m_library->copyState()));
+    choose();
+    press(Qt::Key_Return);
+    const TemporaryFolder destination;
+    m_chooser.answer(FolderChooser::Choice{destination.url(), false});
+    settle();
+    ASSERT_NE(visibleButton("Done"), nullptr);
+    visibleButton("Share…")->click();
+    ASSERT_EQ(m_sharePicker.requests.size(), 1U);
+    EXPECT_EQ(m_sharePicker.requests[0].files, std::vector{destination / "a.jpg"});
+    m_sharePicker.requests[0].onEnd(Failure{std::string{"Nobody answers."}});
+    press(Qt::Key_Return); // the alert, which came last
+    EXPECT_EQ(m_sharing.error(), "");
+    press(Qt::Key_Return);
+    EXPECT_TRUE(std::holds_alternative<CopyIdle>(m_library->copyState()));
+}
+
 TEST_F(RootViewTest, anErrorIsShownUntilItIsAcknowledged) {
     open({"a.jpg"});
     m_volumes.mount(volume(FileURL{"/media/card"}, true));

@@ -42,10 +42,43 @@
     </message>
 </context>
 <context>
+    <name>ShareMenuItems</name>
+    <message>
+        <source>AirDrop as JPEGs</source>
+        <translation>Share Nearby as JPEGs</translation>
+    </message>
+    <message>
+        <source>Makes %1 px JPEG copies (GPS removed) and sends them with AirDrop</source>
+        <translation>Makes %1 px JPEG copies (GPS removed) and sends them to a device nearby</translation>
+    </message>
+    <message>
+        <source>Makes %1 px JPEG copies with the preset and each photo&apos;s edits applied (GPS removed) and sends them with AirDrop</source>
+        <translation>Makes %1 px JPEG copies with the preset and each photo&apos;s edits applied (GPS removed) and sends them to a device nearby</translation>
+    </message>
+</context>
+<context>
     <name>kelvara::CopyReportView</name>
     <message>
         <source>Show in Finder</source>
         <translation>Show in Files</translation>
+    </message>
+</context>
+<context>
+    <name>kelvara::EditInspector</name>
+    <message>
+        <source>Copy this photo's edits (⌘⇧C)</source>
+        <translation>Copy this photo's edits (Ctrl+Shift+C)</translation>
+    </message>
+    <message>
+        <source>%1 (⌘⇧V)</source>
+        <translation>%1 (Ctrl+Shift+V)</translation>
+    </message>
+</context>
+<context>
+    <name>kelvara::ExportOptionsView</name>
+    <message>
+        <source>Export with these options into a temporary folder, then share or AirDrop the files without keeping them</source>
+        <translation>Export with these options into a temporary folder, then share the files or send them nearby without keeping them</translation>
     </message>
 </context>
 <context>
@@ -88,6 +121,13 @@
     <message>
         <source>⌘⇧C  ⌘⇧V</source>
         <translation>Ctrl+Shift+C  Ctrl+Shift+V</translation>
+    </message>
+</context>
+<context>
+    <name>kelvara::LightRow</name>
+    <message>
+        <source>Double-click resets; ⌥-drag for fine changes</source>
+        <translation>Double-click resets; Ctrl+drag for fine changes</translation>
     </message>
 </context>
 <context>

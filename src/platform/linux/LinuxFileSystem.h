@@ -13,6 +13,7 @@ public:
     [[nodiscard]] Result<std::string, FileError> readFile(const FileURL& url,
                                                           std::int64_t maximumBytes) const override;
     Result<void, FileError> writeFileAtomically(const FileURL& url, std::string_view bytes) override;
+    [[nodiscard]] Result<std::unique_ptr<FileLock>, FileError> lock(const FileURL& url) override;
     Result<void, FileError> createFolders(const FileURL& folder) override;
     Result<void, FileError> createPrivateFolder(const FileURL& folder) override;
     [[nodiscard]] Result<std::vector<FileURL>, FileError> entries(const FileURL& folder) const override;

@@ -2,11 +2,14 @@
 #include "platform/linux/LinuxFileSystem.h"
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <fcntl.h>
 #include <random>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 
 namespace kelvara {
 
@@ -76,7 +79,36 @@ void keepAttributes(const FileDescriptor& existing, const struct stat& values, c
     (void)::fchmod(file.get(), values.st_mode & 07777);
 }
 
+class HeldLock : public FileLock {
+public:
+    explicit HeldLock(FileDescriptor file) : m_file{std::move(file)} {}
+
+private:
+    FileDescriptor m_file; // closing it ends the lock
+};
+
 } // namespace
+
+Result<std::unique_ptr<FileLock>, FileError> LinuxFileSystem::lock(const FileURL& url) {
+    const auto target = linkTarget(url);
+    if (!target) return Failure{target.error()};
+    const auto path = target->parent().child('.' + std::string{target->name()} + ".lock").path();
+    constexpr int flags = O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    FileDescriptor file{::open(path.c_str(), O_RDWR | flags, 0666)}; // locks on network drives ask for that
+    if (!file.isOpen() && errno == EACCES)
+        file = FileDescriptor{::open(path.c_str(), O_RDONLY | flags, 0666)};
+    if (!file.isOpen()) return Failure{fileError(url)};
+
+    // Not for ever, as whoever holds it may be stopped.
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + std::chrono::seconds{10};
+    while (uninterrupted([&] { return ::flock(file.get(), LOCK_EX | LOCK_NB); }) != 0 &&
+           errno == EWOULDBLOCK) {
+        if (Clock::now() >= end) return Failure{fileError(url, EBUSY)};
+        std::this_thread::sleep_for(std::chrono::milliseconds{2});
+    }
+    return std::unique_ptr<FileLock>{new HeldLock{std::move(file)}};
+}
 
 Result<void, FileError> LinuxFileSystem::writeFileAtomically(const FileURL& url, std::string_view bytes) {
     const auto target = linkTarget(url);

@@ -2,6 +2,7 @@
 
 #include "platform/linux/FileWriting.h"
 #include "platform/linux/LinuxFileSystem.h"
+#include "platform/linux/UserFolders.h"
 #include "text/PercentEncoding.h"
 
 #include <array>
@@ -159,11 +160,8 @@ bool moveIntoVolumeTrash(const FileURL& trash, const FileURL& top, const FileURL
 } // namespace
 
 FileURL LinuxTrash::defaultHomeTrash() {
-    const char* data = std::getenv("XDG_DATA_HOME");
-    if (data != nullptr && *data == '/') return FileURL::standardized(data).child("Trash");
-    const char* home = std::getenv("HOME");
-    if (home == nullptr || *home != '/') return {};
-    return FileURL::standardized(home).child(".local").child("share").child("Trash");
+    const auto data = userDataFolder();
+    return data.isEmpty() ? data : data.child("Trash");
 }
 
 Result<void, FileError> LinuxTrash::moveToTrash(const FileURL& url) {
