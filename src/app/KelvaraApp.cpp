@@ -130,9 +130,8 @@ PhotoCanvases KelvaraApp::makeCanvases() {
     m_grid = new PhotoGridView{*m_library, thumbnails, m_images.metadata(), m_preferences};
     m_gridInfo =
         m_settings.observe({Setting::gridShowsInfo}, [this](const auto&) { m_grid->readPreferences(); });
-    m_loupe = new LoupeView{*m_library, thumbnails, m_images.previews(), m_images.metadata(),
-                            m_presets,  m_edits,    m_presetRenderer,    m_images.rendering(),
-                            m_main};
+    m_loupe = new LoupeView{*m_library, thumbnails,       m_images.previews(),  m_images.metadata(),
+                            m_presets,  m_presetRenderer, m_images.rendering(), m_main};
     auto* info = new MetadataInspector{*m_library, m_images.metadata()};
     m_presetInspector =
         new PresetInspector{*m_library, m_presets, m_images.thumbnails(), m_images.presetTiles()};

@@ -69,14 +69,16 @@ CopyService::Report expectedReport(const std::vector<Plan>& plans, const FileURL
 struct CopyingCommand::Job {
     const std::vector<Plan>& plans;
     const CopyService::Report& report;
-    bool isExport;
+    const std::optional<CopyService::Export>& exportAs;
 
     /// What is done with one of its files: "copy".
     [[nodiscard]] const char* action(const Plan& plan) const {
-        return isSkipped(plan) ? "skip" : isExport ? "export" : "copy";
+        return isSkipped(plan) ? "skip" : exportAs ? "export" : "copy";
     }
     /// What became of those that went well.
-    [[nodiscard]] std::string done() const { return isExport ? "exported" : "copied"; }
+    [[nodiscard]] std::string done() const { return exportAs ? "exported" : "copied"; }
+    /// " as JPEG with Warm applied"
+    [[nodiscard]] std::string form() const { return exportAs ? " as " + exportAs->title() : std::string{}; }
 };
 
 CopyingCommand::CopyingCommand(CLI::App& app, const std::string& name, const std::string& description,
@@ -120,7 +122,7 @@ ExitCode CopyingCommand::run() const {
         report = service.copy(*plans, *destination, ratings(*items, stop), stop,
                               [&](const auto& progress) { line.show(progress); });
     }
-    const Job job{*plans, report, request.exportAs.has_value()};
+    const Job job{*plans, report, request.exportAs};
     m_asJSON ? printAsJSON(job) : print(job);
     if (report.wasCancelled) return ExitCode::interrupted;
     return report.failures.empty() ? ExitCode::success : ExitCode::failure;
@@ -134,19 +136,19 @@ void CopyingCommand::print(const Job& job) const {
                               printable(plan.destination.path())));
     }
     for (const auto& failure : report.failures) {
-        printError(fmt::format("{}: {}", printable(failure.source.path()), failure.reason));
+        printError(fmt::format("{}: {}", printable(failure.source.path()), printable(failure.reason)));
     }
     const auto bytes = byteCountText(report.copiedBytes);
-    const auto there = job.isExport ? std::string{} : fmt::format(", {} already there", report.skipped);
+    const auto there = job.exportAs ? std::string{} : fmt::format(", {} already there", report.skipped);
     if (m_isDryRun) {
-        const auto what = job.isExport ? "export" : fmt::format("copy ({})", bytes);
+        const auto what = job.exportAs ? "export" + job.form() : fmt::format("copy ({})", bytes);
         printText(fmt::format("{} to {}{}, {} to be renamed\n", report.copied, what, there, report.renamed));
         return;
     }
     const double seconds = std::chrono::duration<double>{report.duration}.count();
-    printText(fmt::format("{}{} {} ({} in {:.1f} s){}, {} renamed, {} failed\n",
-                          report.wasCancelled ? "Cancelled: " : "", report.copied, job.done(), bytes, seconds,
-                          there, report.renamed, report.failures.size()));
+    printText(fmt::format("{}{} {}{} ({} in {:.1f} s){}, {} renamed, {} failed\n",
+                          report.wasCancelled ? "Cancelled: " : "", report.copied, job.done(), job.form(),
+                          bytes, seconds, there, report.renamed, report.failures.size()));
 }
 
 void CopyingCommand::printAsJSON(const Job& job) const {
@@ -174,7 +176,7 @@ void CopyingCommand::printAsJSON(const Job& job) const {
     for (const auto& failure : report.failures) {
         JSON entry;
         setPath(entry, "source", "sourceURL", failure.source);
-        entry["reason"] = failure.reason;
+        entry["reason"] = printable(failure.reason); // may hold a name of any bytes
         failures.push_back(std::move(entry));
     }
     printJSON(json);

@@ -26,6 +26,9 @@ protected:
     [[nodiscard]] virtual CopyService::Ratings ratings(const std::vector<PhotoItem>& items,
                                                        const std::stop_token& stop) const = 0;
 
+    /// As it stands on the command line.
+    [[nodiscard]] const std::string& givenFolder() const { return m_folder; }
+
     FileSystem& m_files;
 
 private:

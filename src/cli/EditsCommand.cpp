@@ -1,34 +1,23 @@
 #include "cli/EditsCommand.h"
 
-#include "cli/MediaFolder.h"
-#include "platform/linux/UserFolders.h"
+#include "cli/EditFileArgument.h"
 #include "presets/EditFile.h"
 #include "text/Localized.h"
 
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <fmt/format.h>
 
 namespace kelvara::cli {
 
 namespace {
 
-Result<FileURL, CommandError> editFile(const std::string& path) {
-    if (!path.empty()) return resolved(path);
-    const auto data = userDataFolder();
-    if (data.isEmpty()) return Failure{CommandError{"There is no home folder to keep edits in."}};
-    return data.child("kelvara").child("Edits.json");
-}
-
 /// The photos by the paths that they were given by: the window follows no links in them either, and what it
 /// keeps edits by is the path.
 Result<std::vector<FileURL>, CommandError> photosAt(const std::vector<std::string>& paths) {
-    std::error_code code;
-    const auto here = std::filesystem::current_path(code).native();
     std::vector<FileURL> photos;
     for (const auto& path : paths) {
         if (const auto file = readableFile(path); !file) return Failure{file.error()};
-        photos.push_back(FileURL::standardized(path, here));
+        photos.push_back(asGiven(path));
     }
     return photos;
 }

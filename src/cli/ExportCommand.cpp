@@ -1,5 +1,6 @@
 #include "cli/ExportCommand.h"
 
+#include "cli/EditFileArgument.h"
 #include "library/LibraryIndex.h"
 #include "services/XMPService.h"
 
@@ -25,6 +26,11 @@ std::map<std::string, ExportSettings::Format> formatsByName() {
 ExportCommand::ExportCommand(CLI::App& app, FileSystem& files)
     : CopyingCommand{app, "export", "Make a picture of every shot below a folder", files},
       m_preset{*m_command, PresetArgument::Need::optional} {
+    auto* edits = m_command->add_flag("--edits", m_appliesEdits, "Apply the photos' light edits");
+    m_command
+        ->add_option("--edit-file", m_editFile, "Where they are kept, if not where the window keeps them")
+        ->needs(edits)
+        ->option_text("EDITS");
     m_command->add_option("--format", m_settings.format, "jpeg, heif or png")
         ->transform(CLI::CheckedTransformer{formatsByName()})
         ->option_text("FORMAT");
@@ -45,9 +51,32 @@ Result<void, CommandError> ExportCommand::complete(CopyService::PlanRequest& req
     exportAs.settings.uses16Bit = m_bitDepth == 16;
     const auto preset = m_preset.load();
     if (!preset) return Failure{preset.error()};
-    if (*preset) exportAs.look = ExportLook{*preset, {}};
+    ExportLook look{*preset, {}};
+    if (m_appliesEdits) {
+        auto found = edits(*request.source);
+        if (!found) return Failure{found.error()};
+        look.adjustments = std::move(*found);
+    }
+    if (look.preset || !look.adjustments.empty()) exportAs.look = std::move(look);
     request.exportAs = std::move(exportAs);
     return {};
+}
+
+Result<EditFile::Edits, CommandError> ExportCommand::edits(const FileURL& folder) const {
+    const auto file = editFile(m_editFile);
+    if (!file) return Failure{file.error()};
+    const auto stored = EditFile::read(m_files, *file);
+    if (!stored) return Failure{CommandError{printable(message(stored.error()))}};
+    // The window keeps them by the path that it was given, which may lead over links.
+    EditFile::Edits edits;
+    for (const auto& root : {asGiven(givenFolder()), folder}) {
+        for (const auto& [photo, light] : *stored) {
+            if (!photo.isContained(root)) continue;
+            const auto below = photo.path().substr(root.path().size());
+            edits.emplace(FileURL::standardized(folder.path() + "/" + below), light);
+        }
+    }
+    return edits;
 }
 
 CopyService::Ratings ExportCommand::ratings(const std::vector<PhotoItem>& items,

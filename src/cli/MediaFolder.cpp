@@ -42,6 +42,11 @@ Result<FileURL, CommandError> resolvedLink(const std::string& path) {
     return folder->child(absolute.filename().native());
 }
 
+FileURL asGiven(const std::string& path) {
+    std::error_code code;
+    return FileURL::standardized(path, std::filesystem::current_path(code).native());
+}
+
 Result<FileURL, CommandError> readableFile(const std::string& path) {
     auto file = resolved(path);
     if (!file) return file;

@@ -23,7 +23,11 @@ struct CommandError {
 /// The same, but a link at the end of the path is what is meant, not what it leads to.
 [[nodiscard]] Result<FileURL, CommandError> resolvedLink(const std::string& path);
 
-/// The same for a photo or video that exists and may be read.
+/// The absolute path that a path on the command line spells, no link in it followed: the window knows its
+/// photos by it.
+[[nodiscard]] FileURL asGiven(const std::string& path);
+
+/// What `resolved` gives for a photo or video that exists and may be read.
 [[nodiscard]] Result<FileURL, CommandError> readableFile(const std::string& path);
 
 /// The media files below a folder, in the scanner's order. Unlike the scanner alone, it fails for a folder

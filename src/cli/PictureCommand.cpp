@@ -24,7 +24,7 @@ std::string checkExtension(const std::string& path) {
 std::optional<std::string> encoded(const Bitmap& picture, bool asPNG, const std::stop_token& stop) {
     constexpr double quality = 0.9;
     EmbeddedBlocks blocks;
-    blocks.icc = picture.profile()->icc();
+    blocks.profile = picture.profile();
     return asPNG ? encodedPng(picture, PixelFormat::bgrx8, blocks, stop)
                  : encodedJpeg(picture, quality, blocks, stop);
 }

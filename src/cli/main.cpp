@@ -26,9 +26,9 @@ using namespace kelvara;
 using namespace kelvara::cli;
 
 int main(int argc, char** argv) {
-    CLI::App app{
-        "Lists, copies, exports, rates, describes and deletes the photos of a memory card or folder, as Kelvara does.",
-        "kelvara-cli"};
+    CLI::App app{"Lists, copies, exports, rates, describes and deletes the photos of a memory card or "
+                 "folder, as Kelvara does.",
+                 "kelvara-cli"};
     app.set_version_flag("--version", "kelvara-cli " KELVARA_VERSION);
     app.require_subcommand(1);
     LinuxFileSystem files;

@@ -43,11 +43,11 @@ BitmapPtr original(const FileURL& url, std::optional<int> maximum, const std::st
 }
 
 BitmapPtr exported(const FileURL& url, std::optional<int> maximum, const std::stop_token& stop, Depth depth) {
-    const auto kind = mediaKind(url.extension());
-    if (kind == MediaKind::video) return nullptr;
-    if (kind != MediaKind::raw) return original(url, maximum, stop, depth);
+    if ((maximum && *maximum < 1) || mediaKind(url.extension()) == MediaKind::video) return nullptr;
     const auto source = ImageSource::open(url);
-    return source && maximum.value_or(1) > 0 ? source->storedPreview(maximum, stop) : nullptr;
+    if (!source || stop.stop_requested()) return nullptr;
+    if (source->isSensorData()) return source->storedPreview(maximum, stop);
+    return depth == Depth::full ? source->deepImage(maximum, stop) : source->image(maximum, stop);
 }
 
 BitmapPtr storedThumbnail(const FileURL& url, const std::stop_token& stop) {

@@ -17,8 +17,8 @@ namespace kelvara::ImageDecoder {
 [[nodiscard]] BitmapPtr decodeOriginal(const FileURL& url, std::optional<int> maximum,
                                        const std::stop_token& stop, Depth depth = Depth::eight);
 
-/// The same for a new file: nobody sees it in parts, and of a RAW file only a stored preview is taken, which
-/// shows the photo as its camera meant it. Null for videos.
+/// The same for a new file. Of a RAW file it is a stored preview, never a development: that shows the photo
+/// as its camera meant it. Null for videos.
 [[nodiscard]] BitmapPtr decodeForExport(const FileURL& url, std::optional<int> maximum,
                                         const std::stop_token& stop, Depth depth);
 

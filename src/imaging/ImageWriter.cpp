@@ -7,6 +7,7 @@
 
 #include <exception>
 #include <fmt/format.h>
+#include <utility>
 
 namespace kelvara {
 namespace {
@@ -39,21 +40,20 @@ EmbeddedBlocks blocksOf(const ImageWriter::Picture& picture, const ExportSetting
     auto thumbnail =
         settings.format == ExportSettings::Format::jpeg ? thumbnailOf(picture.image, stop) : std::string{};
     auto metadata = CarriedMetadata::of(picture, settings.keepsLocation, std::move(thumbnail), stop);
-    return {picture.image->profile()->icc(), std::move(metadata.exif), std::move(metadata.xmp)};
+    return {picture.image->profile(), std::move(metadata.exif), std::move(metadata.xmp)};
 }
 
-std::optional<std::string> encoded(const ImageWriter::Picture& picture, const ExportSettings& settings,
+std::optional<std::string> encoded(ImageWriter::Picture picture, const ExportSettings& settings,
                                    const std::stop_token& stop) {
-    const auto& image = *picture.image;
     const auto blocks = blocksOf(picture, settings, stop);
     const auto format = settings.uses16Bit ? PixelFormat::bgrx16 : PixelFormat::bgrx8;
     switch (settings.format) {
     case ExportSettings::Format::jpeg:
-        return encodedJpeg(image, settings.quality, blocks, stop);
+        return encodedJpeg(*picture.image, settings.quality, blocks, stop);
     case ExportSettings::Format::heif:
-        return encodedHeif(image, format, settings.quality, blocks, stop);
+        return encodedHeif(std::move(picture.image), format, settings.quality, blocks, stop);
     case ExportSettings::Format::png:
-        return encodedPng(image, format, blocks, stop);
+        return encodedPng(*picture.image, format, blocks, stop);
     }
     return std::nullopt;
 }
@@ -65,10 +65,10 @@ std::string ImageWriter::message(const WriteError& error) {
                        error.fileName);
 }
 
-std::optional<std::string> ImageWriter::encode(const Picture& picture, const ExportSettings& settings,
+std::optional<std::string> ImageWriter::encode(Picture picture, const ExportSettings& settings,
                                                const std::stop_token& stop) {
     try {
-        return encoded(picture, settings, stop);
+        return encoded(std::move(picture), settings, stop);
     } catch (const std::exception&) { // memory is short
         return std::nullopt;
     }

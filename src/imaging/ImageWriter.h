@@ -34,8 +34,8 @@ struct Picture {
 
 /// The bytes of a file that shows the picture with its colour profile, with what the source says about
 /// itself where that can be read, corrected for what is written. Empty when the encoder failed or `stop` was
-/// requested.
-[[nodiscard]] std::optional<std::string> encode(const Picture& picture, const ExportSettings& settings,
+/// requested. Whoever moves the picture in lets its pixels go as soon as they are not needed any more.
+[[nodiscard]] std::optional<std::string> encode(Picture picture, const ExportSettings& settings,
                                                 const std::stop_token& stop);
 
 } // namespace kelvara::ImageWriter

@@ -22,6 +22,8 @@ public:
     explicit CheckedItems(Items items) : m_items{std::move(items)}, m_isChecked(m_items->size()) {}
 
     [[nodiscard]] std::size_t size() const { return m_size; }
+    /// How many of them are videos.
+    [[nodiscard]] std::size_t videos() const { return m_videos; }
     [[nodiscard]] bool empty() const { return m_size == 0; }
     /// Sizes of the marked files together, in bytes.
     [[nodiscard]] std::int64_t bytes() const { return m_bytes; }
@@ -32,9 +34,10 @@ public:
     void setChecked(std::size_t position, bool isChecked) {
         if (m_isChecked[position] == isChecked) return;
         m_isChecked[position] = isChecked;
-        const auto size = (*m_items)[position].fileSize;
+        const auto& item = (*m_items)[position];
         m_size = isChecked ? m_size + 1 : m_size - 1;
-        m_bytes = isChecked ? m_bytes + size : m_bytes - size;
+        m_bytes = isChecked ? m_bytes + item.fileSize : m_bytes - item.fileSize;
+        if (item.kind() == MediaKind::video) m_videos = isChecked ? m_videos + 1 : m_videos - 1;
     }
 
     /// Goes over the URLs in the order of the source's list.
@@ -82,6 +85,7 @@ private:
     Items m_items = std::make_shared<const std::vector<PhotoItem>>();
     std::vector<bool> m_isChecked;
     std::size_t m_size = 0;
+    std::size_t m_videos = 0;
     std::int64_t m_bytes = 0;
 };
 

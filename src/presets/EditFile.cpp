@@ -22,6 +22,7 @@ struct Entry {
 };
 
 std::string unquoted(std::string_view text) {
+    if (text.find('\\') == std::string_view::npos) return std::string{text.substr(1, text.size() - 2)};
     const auto string = nlohmann::json::parse(text, nullptr, false);
     return string.is_string() ? string.get<std::string>() : std::string{};
 }
@@ -36,8 +37,9 @@ LightAdjustments adjustmentsIn(std::string_view object) {
     LightAdjustments light;
     for (const auto& member : jsonMembers(object).value_or(std::vector<JSONMember>{})) {
         const auto slider = LightAdjustments::fromRawValue(unquoted(member.key));
+        if (!slider) continue;
         const auto value = nlohmann::json::parse(member.value, nullptr, false);
-        if (slider && value.is_number()) light.set(*slider, value.get<double>());
+        if (value.is_number()) light.set(*slider, value.get<double>());
     }
     return light;
 }

@@ -25,11 +25,11 @@ bool agree(const EditFile::Edits& a, const EditFile::Edits& b, const EditFile::E
 
 /// How a save went.
 struct EditStore::Saved {
-    Edits changes;          // what was to be written
-    std::uint64_t number;   // the last change among them
-    EditsPtr stored;        // what the file holds now; null where it could not be written
-    bool hasOthers = false; // somebody else has changed it too
-    std::string error;
+    Edits changes{};          // what was to be written
+    std::uint64_t number = 0; // of the last change among them
+    EditsPtr stored{};        // what the file holds now; null where it could not be written
+    bool hasOthers = false;   // somebody else has changed it too
+    std::string error{};
 };
 
 EditStore::EditStore(FileSystem& files, FileURL fileURL, Executor& writer, Executor& main, Alarm alarm)
@@ -111,7 +111,7 @@ void EditStore::save() {
             if (!there && before) wanted.insert(before->begin(), before->end()); // the file was lost
             return wanted;
         });
-        Saved saved{changes, number, nullptr, false, {}};
+        Saved saved{.changes = changes, .number = number};
         if (found) {
             saved.hasOthers = !before || !agree(*before, *found, changes);
             saved.stored = std::make_shared<const Edits>(std::move(*found));

@@ -47,10 +47,16 @@ CommandState stepState(const QString& title, const QString& titleOfStep,
 }
 
 CommandState pasteState(const LibraryViewModel& library, const EditHistory& edits) {
-    if (!edits.store().copiedAdjustments()) return {tr("Paste Edits"), false};
-    const auto count = editTargets(library).size();
-    if (count < 2) return {tr("Paste Edits"), count > 0};
-    return {tr("Paste Edits to %1 Photos").arg(countText(static_cast<std::int64_t>(count)))};
+    const auto* focused = library.focusedItem();
+    // As many as `editTargets` has.
+    const auto& marked = library.checkedIDs();
+    const auto isOneOfMany = focused && marked.size() > 1 && library.isChecked(focused->url);
+    const auto isPhoto = focused && focused->kind() != MediaKind::video;
+    const auto count = isOneOfMany ? marked.size() - marked.videos() : std::size_t{isPhoto};
+    const auto title = count < 2
+                           ? tr("Paste Edits")
+                           : tr("Paste Edits to %1 Photos").arg(countText(static_cast<std::int64_t>(count)));
+    return {title, count > 0 && edits.store().copiedAdjustments()};
 }
 
 CommandState ejectState(const LibraryViewModel& library, bool isCopying) {

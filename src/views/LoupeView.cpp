@@ -40,9 +40,9 @@ QString captionText(const DevelopPreset& preset) {
 } // namespace
 
 LoupeView::LoupeView(LibraryViewModel& library, const ThumbnailSources& thumbnails, PreviewService& previews,
-                     MetadataService& metadata, PresetStore& presets, EditStore& edits,
-                     PresetRenderer& presetRenderer, Executor& rendering, Executor& main, QWidget* parent)
-    : QWidget{parent}, m_library{library}, m_presets{presets}, m_edits{edits},
+                     MetadataService& metadata, PresetStore& presets, PresetRenderer& presetRenderer,
+                     Executor& rendering, Executor& main, QWidget* parent)
+    : QWidget{parent}, m_library{library}, m_presets{presets}, m_edits{thumbnails.edits},
       m_pictures{library, thumbnails.service, previews, rendering, main, [this] { showPicture(); }},
       m_preview{library,
                 thumbnails.service,

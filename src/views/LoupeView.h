@@ -34,8 +34,8 @@ class LoupeView : public QWidget {
 public:
     /// `rendering` prepares large pictures for zooming; everything outlives it.
     LoupeView(LibraryViewModel& library, const ThumbnailSources& thumbnails, PreviewService& previews,
-              MetadataService& metadata, PresetStore& presets, EditStore& edits,
-              PresetRenderer& presetRenderer, Executor& rendering, Executor& main, QWidget* parent = nullptr);
+              MetadataService& metadata, PresetStore& presets, PresetRenderer& presetRenderer,
+              Executor& rendering, Executor& main, QWidget* parent = nullptr);
     ~LoupeView() override;
 
     /// Whether the picture is still to come in full resolution, or a thumbnail of the filmstrip.

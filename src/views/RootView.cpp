@@ -103,6 +103,8 @@ RootView::RootView(const Services& services, PhotoCanvases canvases)
     m_subscriptions.push_back(m_library.observe({P::ratingSaveError, P::ejectError, P::deleteError},
                                                 [this](const auto&) { showNextAlert(); }));
     m_subscriptions.push_back(
+        m_edits.observe({EditProperty::saveError}, [this](const auto&) { showNextAlert(); }));
+    m_subscriptions.push_back(
         m_sharing.observe({SharingProperty::error}, [this](const auto&) { showNextAlert(); }));
     refreshTitle();
     restoreGeometryOr(usualSize);
@@ -375,6 +377,8 @@ void RootView::showNextAlert() {
         present(tr("Couldn't Delete"), m_library.deleteError(), [this] { m_library.clearDeleteError(); });
     } else if (!m_sharing.error().empty()) {
         present(tr("Couldn't Share"), m_sharing.error(), [this] { m_sharing.clearError(); });
+    } else if (!m_edits.saveError().empty()) {
+        present(tr("Edits Not Saved"), m_edits.saveError(), [this] { m_edits.clearSaveError(); });
     } else {
         m_alertFrame->dismiss();
     }

@@ -34,11 +34,12 @@ photos() {
   done
 }
 
+verb=copy # what the functions below do: copy, or export
 # copy FOLDER DESTINATION [OPTION...]: the report goes to $report, errors to $said; gives the exit code.
 report=$work/report.json said=$work/said
 copy() {
   local code=0
-  "$cli" copy "$@" --json >"$report" 2>"$said" || code=$?
+  "$cli" "$verb" "$@" --json >"$report" 2>"$said" || code=$?
   return "$code"
 }
 # copy_as_nobody FOLDER DESTINATION: the same for somebody without special rights, who owns FOLDER, and DESTINATION
@@ -51,7 +52,7 @@ copy_as_nobody() {
     chown -R 65534 "$1"
     [[ ${3:-} != own ]] || chown 65534 "$2"
   fi
-  "${as_nobody[@]}" "$cli" copy "$1" "$2" --json >"$report" 2>"$said" || code=$?
+  "${as_nobody[@]}" "$cli" "$verb" "$1" "$2" --json >"$report" 2>"$said" || code=$?
   return "$code"
 }
 # value NAME: a field of the report.
@@ -87,9 +88,9 @@ no_partials() {
 paused() {
   local folder=$1 destination=$2 command=$3 code=0
   shift 3
-  "$cli" copy "$folder" "$destination" "$@" --json >"$report" 2>"$said" &
+  "$cli" "$verb" "$folder" "$destination" "$@" --json >"$report" 2>"$said" &
   local process=$!
-  until compgen -G "$destination/*.NEF*" >/dev/null; do
+  until compgen -G "$destination/*" >/dev/null; do
     kill -0 "$process" 2>/dev/null || fail "the copy ended before it could be disturbed: $(cat "$said")"
   done
   kill -STOP "$process"

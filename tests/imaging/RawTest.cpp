@@ -275,6 +275,22 @@ TEST_F(RawTest, aFileWithoutPreviewsIsDeveloped) {
     EXPECT_FALSE(ImageDecoder::decodeOriginal(url, {}, stop.get_token()));
 }
 
+TEST_F(RawTest, onlyPreviewsAreExported) {
+    const auto exported = [&](const Bytes& bytes, std::optional<int> maximum = {}) {
+        return ImageDecoder::decodeForExport(writeFile(folder, "a.NEF", bytes), maximum, {}, Depth::full);
+    };
+    EXPECT_FALSE(exported(makeDng({256, 192})));
+    const auto preview = exported(makeDng({256, 192}, plain({100, 75}, red)));
+    ASSERT_TRUE(preview);
+    EXPECT_EQ(preview->size(), (PixelSize{75, 100})) << "turned";
+    EXPECT_EQ(exported(makeDng({256, 192}, plain({100, 75}, red)), 40)->size(), (PixelSize{30, 40}));
+    auto recipe = quarters({600, 400});
+    recipe.exif = exifBlock(1, plain({160, 120}, black));
+    EXPECT_EQ(exported(makeJpeg(recipe))->size(), (PixelSize{600, 400})) << "whatever its name says";
+    const auto film = writeFile(folder, "a.MOV", makeJpeg(recipe));
+    EXPECT_FALSE(ImageDecoder::decodeForExport(film, {}, {}, Depth::eight));
+}
+
 TEST_F(RawTest, aStopAtAnyMomentEndsTheDevelopment) {
     const auto url = writeFile(folder, "a.dng", makeDng({256, 192}));
     for (int i = 0; i < 20; ++i) {

@@ -36,6 +36,12 @@ protected:
                 .folderChooser = m_chooser,
                 .desktop = m_desktop,
                 .analytics = m_analytics,
+                .onShare =
+                    [this](std::vector<FileURL> files, const SharePicker::Anchor& anchor,
+                           const std::optional<ExportLook>& look) {
+                        m_shared.push_back({std::move(files), anchor, look.has_value()});
+                    },
+                .makeShareFolder = [this] { return m_shareFolder; },
                 .emptyImageCaches = [this] { ++m_cacheClearings; },
                 .collationLocale = {}};
     }
@@ -59,6 +65,12 @@ protected:
         return {url, std::string{url.name()}, isRemovable, std::nullopt, std::nullopt, url.child("DCIM")};
     }
 
+    struct Shared {
+        std::vector<FileURL> files;
+        SharePicker::Anchor anchor;
+        bool hasLook;
+    };
+
     TemporaryFolder m_card;
     LinuxFileSystem m_files;
     FakeTrash m_trash;
@@ -73,6 +85,8 @@ protected:
     FakeFolderChooser m_chooser;
     FakeDesktop m_desktop;
     FakeAnalytics m_analytics;
+    std::vector<Shared> m_shared;
+    Result<FileURL, FileError> m_shareFolder{m_card / "share"};
     int m_cacheClearings = 0;
     std::unique_ptr<LibraryViewModel> m_library;
 };

@@ -53,8 +53,8 @@ protected:
     /// Until nothing is on its way, what waits for a moment without changes included.
     void settleLoupe() {
         ASSERT_TRUE(QTest::qWaitFor([this] {
-            while (m_drawing.runOne() || m_thumbnailDrawing.runOne() || m_decoding.runOne() ||
-                   m_reading.runOne() || m_rendering.runOne() || m_main.runOne()) {
+            while (m_drawing.runOne() || m_background.runOne() || m_thumbnailDrawing.runOne() ||
+                   m_decoding.runOne() || m_reading.runOne() || m_rendering.runOne() || m_main.runOne()) {
             }
             return !m_loupe->isLoading();
         }));

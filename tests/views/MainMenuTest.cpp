@@ -12,7 +12,7 @@ protected:
         for (const auto name : names) m_card.write(std::string{"DCIM/"} + std::string{name}, "12345678");
         start(m_card / "DCIM");
         m_items = std::make_unique<ShareMenuItems>(m_sharing.items(*m_library));
-        m_menu = new MainMenu{*m_library, *m_items, &m_window};
+        m_menu = new MainMenu{*m_library, m_history, *m_items, &m_window};
     }
     [[nodiscard]] QMenu* menu(const QString& title) const {
         for (auto* found : m_menu->findChildren<QMenu*>()) {
@@ -45,12 +45,14 @@ protected:
 
     TestSharing m_sharing{services()};
     std::unique_ptr<ShareMenuItems> m_items;
+    EditHistory m_history{m_sharing.edits};
     QWidget m_window;
     MainMenu* m_menu = nullptr;
 };
 
 TEST_F(MainMenuTest, commandsStandInTheirMenusWithTheirKeys) {
     open({"a.jpg"});
+    EXPECT_EQ(entries(*menu("Edit")), (QStringList{"Undo (Ctrl+Z)", "Redo (Ctrl+Shift+Z)"}));
     EXPECT_EQ(entries(*menu("Photo")),
               (QStringList{"Mark for Copy", "Rating", "-", "Copy Edits (Ctrl+Shift+C)",
                            "Paste Edits (Ctrl+Shift+V)", "-", "Copy Marked Files (Ctrl+Return)",
@@ -102,6 +104,27 @@ TEST_F(MainMenuTest, titlesChecksAndEnablingFollowTheLibrary) {
     m_library->toggleViewMode();
     EXPECT_TRUE(canChoose("Zoom to Fit"));
     EXPECT_TRUE(canChoose("Show Grid"));
+}
+
+TEST_F(MainMenuTest, editsCanBeUndoneByNameAndPastedOntoPhotosOnceCopied) {
+    open({"a.jpg", "b.jpg", "c.mov"});
+    for (const auto* title : {"Undo", "Redo", "Paste Edits"}) EXPECT_FALSE(canChoose(title)) << title;
+    const auto a = m_card / "DCIM/a.jpg";
+    m_history.setSlider(LightAdjustments::Slider::shadows, 20, a);
+    EXPECT_TRUE(canChoose("Undo Shadows"));
+    m_history.undo();
+    EXPECT_FALSE(canChoose("Undo"));
+    EXPECT_TRUE(canChoose("Redo Shadows"));
+
+    m_sharing.edits.copyAdjustments(a);
+    EXPECT_TRUE(canChoose("Paste Edits"));
+    for (const auto* name : {"DCIM/a.jpg", "DCIM/b.jpg", "DCIM/c.mov"})
+        m_library->toggleChecked(m_card / name);
+    EXPECT_TRUE(canChoose("Paste Edits to 2 Photos"));
+    m_library->clearMarks();
+    m_library->setFocusedID(m_card / "DCIM/c.mov");
+    EXPECT_FALSE(canChoose("Paste Edits"));
+    EXPECT_FALSE(canChoose("Copy Edits"));
 }
 
 TEST_F(MainMenuTest, whileACopyRunsNoOtherBeginsAndNothingIsEjected) {

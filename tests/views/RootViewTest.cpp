@@ -3,6 +3,7 @@
 #include "library/LibraryFixture.h"
 #include "library/Settings.h"
 #include "library/SharingController.h"
+#include "presets/EditHistory.h"
 #include "presets/EditStore.h"
 #include "support/FakeSharePicker.h"
 #include "views/KeyboardShortcutsView.h"
@@ -49,6 +50,7 @@ protected:
             RootView::Services{.library = *m_library,
                                .presets = m_presets.store,
                                .edits = m_edits,
+                               .editHistory = m_history,
                                .preferences = m_preferences,
                                .desktop = m_desktop,
                                .sideWindows = m_sideWindows,
@@ -88,6 +90,7 @@ protected:
     TestPresets m_presets{services()};
     EditStore m_edits{services().files, m_presets.folder / "Edits.json", m_sidecarWrites, m_main,
                       [](auto, const auto&) {}};
+    EditHistory m_history{m_edits};
     Settings m_settings{m_preferences};
     SideWindows m_sideWindows{m_settings, QUrl{}};
     ShareService m_shares{m_files, m_presets.folder.url()};

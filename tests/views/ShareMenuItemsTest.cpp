@@ -18,11 +18,12 @@ protected:
     void open(std::initializer_list<std::string_view> names) {
         for (const auto name : names) m_card.write(name, "12345678");
         start(m_card.url());
+        m_items = std::make_unique<ShareMenuItems>(m_sharing.items(*m_library));
     }
     /// The menu as it would open now.
     QMenu& menu(const std::optional<Anchor>& anchor = {}) {
         m_menu.clear();
-        m_sharing.items(*m_library).addTo(m_menu, anchor);
+        m_items->addTo(m_menu, anchor);
         return m_menu;
     }
     [[nodiscard]] static QAction* entry(const QMenu& menu, const QString& title) {
@@ -39,6 +40,7 @@ protected:
     }
 
     TestSharing m_sharing{services()};
+    std::unique_ptr<ShareMenuItems> m_items;
     QMenu m_menu;
 };
 
@@ -92,7 +94,7 @@ TEST_F(ShareMenuItemsTest, theContextMenuCountsWhatItDeletes) {
     open({"a.jpg", "b.jpg"});
     QWidget window;
     const auto made = [&] {
-        return titles(PhotoContextMenu{*m_library, m_sharing.items(*m_library), &window});
+        return titles(PhotoContextMenu{*m_library, m_sharing.history, *m_items, &window});
     };
     EXPECT_EQ(made(), (QStringList{"Mark for Copy", "Rating", "-", "Share as JPEGs", "AirDrop as JPEGs",
                                    "Share Original", "Export && Share…", "-", "Show in Finder", "Delete…"}));

@@ -2,6 +2,7 @@
 
 #include "library/Settings.h"
 #include "library/SharingController.h"
+#include "presets/EditHistory.h"
 #include "presets/EditStore.h"
 #include "support/FakeSharePicker.h"
 #include "views/ShareMenuItems.h"
@@ -24,6 +25,7 @@ public:
 
     TestPresets presets;
     EditStore edits;
+    EditHistory history{edits};
     Settings settings;
     ShareService shares;
     FakeSharePicker picker;

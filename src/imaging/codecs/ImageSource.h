@@ -25,6 +25,9 @@ public:
     /// How the stored pixels are turned to be upright.
     [[nodiscard]] virtual Orientation orientation() const = 0;
 
+    /// Whether the image has to be developed first.
+    [[nodiscard]] virtual bool isSensorData() const { return false; }
+
     /// A preview that is stored in the file: the smallest that reaches `maximum`, else the largest; scaled
     /// down to `maximum` where given. Null when there is none.
     [[nodiscard]] virtual BitmapPtr storedPreview(std::optional<int> maximum,

@@ -50,6 +50,7 @@ public:
           m_developer{std::move(developer)} {}
 
     [[nodiscard]] std::optional<PixelSize> pixelSize() const override { return m_layout.size; }
+    [[nodiscard]] bool isSensorData() const override { return true; }
     [[nodiscard]] Orientation orientation() const override {
         return m_layout.orientation.value_or(Orientation{});
     }

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -13,7 +12,7 @@ namespace kelvara {
 
 /// What a file holds besides the picture's pixels; what is empty is left out.
 struct EmbeddedBlocks {
-    std::span<const std::uint8_t> icc;
+    ColorProfilePtr profile;
     std::vector<std::uint8_t> exif; ///< TIFF data.
     std::string xmp;                ///< A packet.
 };
@@ -30,8 +29,9 @@ encodedJpeg(const Bitmap& image, double quality, const EmbeddedBlocks& blocks, c
                                                     const EmbeddedBlocks& blocks,
                                                     const std::stop_token& stop);
 
-/// With 8 bits a channel, or 10 for `bgrx16`. Takes seconds, of which a stop only ends the first.
-[[nodiscard]] std::optional<std::string> encodedHeif(const Bitmap& image, PixelFormat format, double quality,
+/// With 8 bits a channel, or 10 for `bgrx16`. Takes seconds, of which a stop only ends the first, and much
+/// memory, so it lets the picture go before; not null.
+[[nodiscard]] std::optional<std::string> encodedHeif(BitmapPtr image, PixelFormat format, double quality,
                                                      const EmbeddedBlocks& blocks,
                                                      const std::stop_token& stop);
 

@@ -100,8 +100,9 @@ std::optional<std::string> encodedJpeg(const Bitmap& image, double quality, cons
         jpeg_start_compress(&state, TRUE);
         writeMarker(state, exifSignature, blocks.exif.data(), blocks.exif.size());
         writeMarker(state, xmpSignature, blocks.xmp.data(), blocks.xmp.size());
-        if (!blocks.icc.empty())
-            jpeg_write_icc_profile(&state, blocks.icc.data(), static_cast<unsigned>(blocks.icc.size()));
+        if (!blocks.profile) return;
+        const auto& icc = blocks.profile->icc();
+        jpeg_write_icc_profile(&state, icc.data(), static_cast<unsigned>(icc.size()));
     });
     if (!hasBegun) return std::nullopt;
     RowsInFormat rows{image, PixelFormat::bgrx8};

@@ -44,9 +44,10 @@ private:
 };
 
 void setBlocks(PngCompression& to, const EmbeddedBlocks& blocks) {
-    if (!blocks.icc.empty()) {
-        png_set_iCCP(to.state(), to.info(), "ICC profile", PNG_COMPRESSION_TYPE_BASE, blocks.icc.data(),
-                     static_cast<png_uint_32>(blocks.icc.size()));
+    if (blocks.profile) {
+        const auto& icc = blocks.profile->icc();
+        png_set_iCCP(to.state(), to.info(), "ICC profile", PNG_COMPRESSION_TYPE_BASE, icc.data(),
+                     static_cast<png_uint_32>(icc.size()));
     }
     if (!blocks.exif.empty()) {
         png_set_eXIf_1(to.state(), to.info(), static_cast<png_uint_32>(blocks.exif.size()),
@@ -68,9 +69,9 @@ void begin(PngCompression& to, const Bitmap& image, PixelFormat format, const Em
     png_set_IHDR(to.state(), to.info(), static_cast<png_uint_32>(image.width()),
                  static_cast<png_uint_32>(image.height()), isDeep ? 16 : 8, PNG_COLOR_TYPE_RGB,
                  PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    // Measured on photos: more effort and other filters gain a few percent and cost several times as much.
-    png_set_compression_level(to.state(), 2);
-    png_set_filter(to.state(), PNG_FILTER_TYPE_BASE, PNG_FILTER_PAETH);
+    // Measured on photos: the usual level 6 takes three times as long for 3 % less.
+    png_set_compression_level(to.state(), 3);
+    png_set_filter(to.state(), PNG_FILTER_TYPE_BASE, PNG_ALL_FILTERS);
     setBlocks(to, blocks);
     png_write_info(to.state(), to.info());
     png_set_bgr(to.state());
