@@ -58,15 +58,13 @@ DestinationNames::Found DestinationNames::resolve(const PhotoItem& item, const F
         auto key = caseFolded(candidate.path());
         if (m_reserved.contains(key)) continue;
 
-        CopyService::Plan::Action action = CopyService::Plan::Copy{m_verifies};
         // A place that can't be looked at counts as free: the copy's own error then says what is wrong with
         // it, and nothing is ever replaced.
-        if (const auto existing = m_files.status(candidate)) {
-            if (!isEarlierCopy(candidate, *existing, item)) continue;
-            action = CopyService::Plan::SkipExisting{};
-        }
+        const auto existing = m_files.status(candidate);
+        if (existing && !isEarlierCopy(candidate, *existing, item)) continue;
         m_reserved.insert(std::move(key));
-        return {std::move(candidate), action};
+        if (existing) return {std::move(candidate), CopyService::Plan::SkipExisting{}};
+        return {std::move(candidate), CopyService::Plan::Copy{m_verifies}};
     }
 }
 

@@ -1,7 +1,6 @@
 #include "services/ShareService.h"
 
 #include "services/CopyNames.h"
-#include "text/CaseFolding.h"
 
 #include <atomic>
 #include <chrono>
@@ -11,7 +10,6 @@
 #include <system_error>
 #include <thread>
 #include <unordered_map>
-#include <unordered_set>
 
 namespace kelvara {
 
@@ -61,21 +59,6 @@ std::vector<PhotoItem> oneFilePerShot(std::span<const PhotoItem> photos) {
     return chosen;
 }
 
-/// Names for JPEGs in one folder, none twice even where case makes no difference.
-class JPEGNames {
-public:
-    FileURL next(const FileURL& photo, const FileURL& folder) {
-        const auto wanted = photo.withExtension("jpg");
-        for (unsigned number = 0;; ++number) {
-            auto name = numberedName(wanted, number);
-            if (m_taken.insert(caseFolded(name)).second) return folder.child(name);
-        }
-    }
-
-private:
-    std::unordered_set<std::string> m_taken;
-};
-
 /// A photo on its way into a job's folder, and what became of it.
 struct Job {
     PhotoExport photo;
@@ -88,16 +71,17 @@ std::string failureOf(const PhotoExport& photo, const PhotoExport::Error& error)
 }
 
 std::vector<Job> jobs(std::span<const PhotoItem> photos, const std::optional<ExportLook>& look, int longEdge,
-                      const FileURL& folder) {
+                      const FileURL& folder, const FileSystem& files, const std::stop_token& stop) {
     ExportSettings settings;
     settings.quality = quality;
     settings.longEdge = longEdge < 1 ? ShareService::usualLongEdge : longEdge;
     settings.keepsLocation = false;
     std::vector<Job> made;
-    JPEGNames names;
+    DestinationNames names{files, false, stop};
     for (const auto& photo : oneFilePerShot(photos)) {
         made.push_back({.photo = {.source = photo.url,
-                                  .destination = names.next(photo.url, folder),
+                                  .destination = names.unused(
+                                      photo.url, ExportSettings::fileExtension(settings.format), folder),
                                   .preset = look ? look->presetFor(photo) : std::nullopt,
                                   .settings = settings}});
     }
@@ -162,7 +146,7 @@ Result<ShareService::Made, FileError> ShareService::makeJPEGs(std::span<const Ph
                                                               const ProgressHandler& onProgress) const {
     const auto folder = makeJobFolder();
     if (!folder) return Failure{folder.error()};
-    auto all = jobs(photos, look, longEdge, *folder);
+    auto all = jobs(photos, look, longEdge, *folder, m_files, stop);
     run(all, m_files, stop, onProgress);
     if (stop.stop_requested()) {
         static_cast<void>(m_files.removeAll(*folder)); // nobody waits for these files any more
