@@ -116,6 +116,7 @@ TEST_F(LibraryExportTest, sharingMakesTheFilesInAFolderOfTheirOwnAndHandsThemOve
 TEST_F(LibraryExportTest, theOptionsStayWhileAFolderIsChosen) {
     startWithPhotos();
     m_preferences.remove(PreferenceKeys::copyDestination);
+    m_library.reset();
     auto& library = start(m_card / "card");
     chooseAll();
     library.dismissCopy();

@@ -16,10 +16,10 @@ protected:
         static const auto jpeg = makeJpeg({.size = {8, 6}});
         return photo(name, {reinterpret_cast<const char*>(jpeg.data()), jpeg.size()});
     }
-    CopyService::PlanRequest exportOf(std::vector<PhotoItem> items, ExportSettings settings = {},
+    CopyService::PlanRequest exportOf(std::vector<PhotoItem> items, const ExportSettings& chosen = {},
                                       std::optional<ExportLook> look = {}) const {
         auto request = this->request(std::move(items));
-        request.exportAs = CopyService::Export{std::move(look), settings};
+        request.exportAs = CopyService::Export{std::move(look), chosen};
         return request;
     }
     std::vector<Plan> plansOf(const CopyService::PlanRequest& request) const {
@@ -31,6 +31,13 @@ protected:
         std::vector<PhotoItem> items;
         for (int i = 0; i < count; ++i) items.push_back(picture(std::to_string(i) + ".JPG"));
         return plansOf(exportOf(std::move(items)));
+    }
+    static ExportSettings settings(Format format, bool uses16Bit = false, bool appliesLook = true) {
+        ExportSettings chosen;
+        chosen.format = format;
+        chosen.uses16Bit = uses16Bit;
+        chosen.appliesLook = appliesLook;
+        return chosen;
     }
     static const Plan::Render& render(const Plan& plan) { return std::get<Plan::Render>(plan.action); }
 };
@@ -56,13 +63,13 @@ TEST_F(CopyExportTest, picturesGetNamesThatNothingBears) {
     const auto plans =
         plansOf(exportOf({picture("1/a.JPG"), picture("2/A.jpg"), photo("b.NEF", ""), photo("c.NEF", ""),
                           photo("d.x.NEF", ""), photo(longest + ".NEF", "")},
-                         {.format = Format::heif}));
+                         settings(Format::heif)));
     Strings names;
     for (const auto& plan : plans) names.emplace_back(plan.destination.name());
     EXPECT_EQ(names, (Strings{"a.heic", "A-1.heic", "b-1.heic", "c-1.heic", "d.x.heic",
                               longest.substr(1) + ".heic"}));
     EXPECT_EQ(plansOf(exportOf({picture("1/a.JPG")}))[0].destination, target.at("a.jpg"));
-    auto byDate = exportOf({picture("1/a.JPG")}, {.format = Format::png});
+    auto byDate = exportOf({picture("1/a.JPG")}, settings(Format::png));
     byDate.intoDateFolders = true;
     EXPECT_EQ(plansOf(byDate)[0].destination, target.at("Undated/a.png"));
 }
@@ -70,17 +77,19 @@ TEST_F(CopyExportTest, picturesGetNamesThatNothingBears) {
 TEST_F(CopyExportTest, theRoomThatPicturesNeedDependsOnTheirFormat) {
     const std::vector items{photo("a.NEF", "123"), photo("b.NEF", "12345")};
     const struct {
-        ExportSettings settings;
+        Format format;
+        bool uses16Bit;
         std::int64_t needed;
-    } cases[] = {{{.format = Format::jpeg, .uses16Bit = true}, 8},
-                 {{.format = Format::heif}, 8},
-                 {{.format = Format::png}, 7 + 12},
-                 {{.format = Format::png, .uses16Bit = true}, 40}};
-    for (const auto& [settings, needed] : cases) {
+    } cases[] = {{Format::jpeg, true, 8},
+                 {Format::heif, false, 8},
+                 {Format::png, false, 7 + 12},
+                 {Format::png, true, 40}};
+    for (const auto& [format, uses16Bit, needed] : cases) {
+        const auto request = exportOf(items, settings(format, uses16Bit));
         files.capacity = needed;
-        EXPECT_TRUE(service.plan(exportOf(items, settings)));
+        EXPECT_TRUE(service.plan(request));
         files.capacity = needed - 1;
-        const auto refused = service.plan(exportOf(items, settings));
+        const auto refused = service.plan(request);
         ASSERT_FALSE(refused);
         EXPECT_EQ(refused.error(), (CopyService::CopyError{CopyService::NotEnoughSpace{needed, needed - 1}}));
     }
@@ -99,12 +108,13 @@ TEST_F(CopyExportTest, everyPhotoIsDrawnWithThePresetAndItsOwnEdits) {
     EXPECT_EQ(render(plans[1]).preset->revision, look.presetFor(items[1])->revision);
     EXPECT_NE(render(plans[1]).preset->revision, warm.revision);
     EXPECT_EQ(render(plans[2]).preset, render(plans[0]).preset);
-    EXPECT_EQ(render(plansOf(exportOf(items, {.appliesLook = false}, look))[1]).preset, nullptr);
+    EXPECT_EQ(render(plansOf(exportOf(items, settings(Format::jpeg, false, false), look))[1]).preset,
+              nullptr);
     EXPECT_EQ(render(plansOf(exportOf(items))[1]).preset, nullptr);
 
     EXPECT_EQ((CopyService::Export{look, {}}.title()), "JPEG with “Warm 65%” + Edits applied");
-    EXPECT_EQ((CopyService::Export{look, {.format = Format::png, .appliesLook = false}}.title()), "PNG");
-    EXPECT_EQ((CopyService::Export{std::nullopt, {.format = Format::heif}}.title()), "HEIF");
+    EXPECT_EQ((CopyService::Export{look, settings(Format::png, false, false)}.title()), "PNG");
+    EXPECT_EQ((CopyService::Export{std::nullopt, settings(Format::heif)}.title()), "HEIF");
 }
 
 TEST_F(CopyExportTest, whatCannotBeReadIsNamedAndTheOthersAreExportedInOrder) {
