@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace kelvara {
 
@@ -59,13 +60,20 @@ LightAdjustments EditStore::adjustments(const FileURL& photo) const {
 }
 
 void EditStore::setAdjustments(const LightAdjustments& adjustments, const FileURL& photo) {
-    store(adjustments, {&photo, 1});
+    setAdjustments({&adjustments, 1}, {&photo, 1});
 }
 
 void EditStore::setAdjustments(std::span<const LightAdjustments> adjustments,
                                std::span<const FileURL> photos) {
     const Change change{*this};
-    for (std::size_t i = 0; i < photos.size(); ++i) store(adjustments[i], photos[i]);
+    const auto before = m_changeCount;
+    for (std::size_t i = 0; i < photos.size(); ++i) {
+        if (m_stored && adjustments[i] == this->adjustments(photos[i])) continue;
+        m_changes.insert_or_assign(photos[i].stemKey(), adjustments[i]);
+        ++m_changeCount;
+    }
+    if (m_changeCount == before) return;
+    didChange(EditProperty::adjustments);
     scheduleSave();
 }
 
@@ -74,25 +82,12 @@ void EditStore::copyAdjustments(const FileURL& photo) {
 }
 
 void EditStore::pasteAdjustments(std::span<const FileURL> photos) {
-    if (m_copied) store(*m_copied, photos);
+    if (m_copied) setAdjustments(std::vector(photos.size(), *m_copied), photos);
 }
 
 std::optional<DevelopPreset> EditStore::exportLook(const std::optional<DevelopPreset>& preset,
                                                    const FileURL& photo) const {
     return DevelopPreset::combining(preset, adjustments(photo));
-}
-
-void EditStore::store(const LightAdjustments& adjustments, std::span<const FileURL> photos) {
-    const Change change{*this};
-    const auto before = m_changeCount;
-    for (const auto& photo : photos) {
-        if (m_stored && adjustments == this->adjustments(photo)) continue;
-        m_changes.insert_or_assign(photo.stemKey(), adjustments);
-        ++m_changeCount;
-    }
-    if (m_changeCount == before) return;
-    didChange(EditProperty::adjustments);
-    scheduleSave();
 }
 
 void EditStore::scheduleSave() {

@@ -67,7 +67,6 @@ private:
     using EditsPtr = std::shared_ptr<const Edits>;
     struct Saved;
 
-    void store(const LightAdjustments& adjustments, std::span<const FileURL> photos);
     void scheduleSave();
     void save();
     void didSave(const Saved& saved);
