@@ -2,6 +2,7 @@
 
 #include "model/OneImagePerShot.h"
 #include "views/Controls.h"
+#include "views/DestinationButton.h"
 #include "views/ExportTexts.h"
 #include "views/Picker.h"
 #include "views/ResettingSlider.h"
@@ -74,8 +75,8 @@ ExportOptionsView::ExportOptionsView(LibraryViewModel& library, QWidget* parent)
     column->addLayout(buttons);
 
     using P = LibraryProperty;
-    m_subscription = library.observe({P::exportSettings, P::copiesIntoDateFolders, P::copyDestination},
-                                     [this](const auto&) { refresh(); });
+    m_subscription =
+        library.observe({P::exportSettings, P::copiesIntoDateFolders}, [this](const auto&) { refresh(); });
     refresh();
 }
 
@@ -100,7 +101,9 @@ QGridLayout* ExportOptionsView::makeForm() {
     addBitDepth(*form);
     addSize(*form);
     addToggles(*form);
-    addDestination(*form);
+    addLabel(*form, tr("Destination"), this);
+    constexpr int symbolWidth = 50;
+    addControl(*form, new DestinationButton{m_library, controlWidth - symbolWidth, this});
     return form;
 }
 
@@ -196,19 +199,6 @@ void ExportOptionsView::addToggles(QGridLayout& form) {
             [this](bool isOn) { m_library.setCopiesIntoDateFolders(isOn); });
 }
 
-void ExportOptionsView::addDestination(QGridLayout& form) {
-    addLabel(form, tr("Destination"), this);
-    m_destination = new QToolButton{this};
-    m_destination->setObjectName(QStringLiteral("destination"));
-    m_destination->setFont(kelvara::font(TextRole::body));
-    m_destination->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    m_destination->setFocusPolicy(Qt::TabFocus);
-    m_destination->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    setSymbol(*m_destination, symbolIcon(u"folder", &Theme::text), 16);
-    connect(m_destination, &QToolButton::clicked, this, [this] { m_library.chooseCopyDestination(); });
-    addControl(form, m_destination);
-}
-
 QLabel* ExportOptionsView::makeNote() {
     auto* note = makeLabel(TextRole::caption, Tone::quiet, this);
     note->setWordWrap(true);
@@ -242,7 +232,6 @@ void ExportOptionsView::refresh() {
     m_dateFolders->setChecked(m_library.copiesIntoDateFolders());
     m_note->setText(exportNote(settings));
     refreshEffects();
-    refreshDestination();
 }
 
 void ExportOptionsView::refreshEffects() {
@@ -255,15 +244,6 @@ void ExportOptionsView::refreshEffects() {
         part->setEnabled(hasDepths);
         part->setToolTip(bitDepthHelp(settings.format));
     }
-}
-
-void ExportOptionsView::refreshDestination() {
-    const auto& folder = m_library.copyDestination();
-    const auto name = folder.isEmpty() ? tr("No folder chosen") : nameText(folder);
-    m_destination->setText(
-        withoutMnemonics(m_destination->fontMetrics().elidedText(name, Qt::ElideMiddle, controlWidth - 50)));
-    m_destination->setAccessibleName(tr("Destination: %1").arg(name));
-    m_destination->setToolTip(folder.isEmpty() ? tr("Choose a folder") : pathText(folder));
 }
 
 } // namespace kelvara

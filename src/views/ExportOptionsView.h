@@ -39,14 +39,12 @@ private:
     void addBitDepth(QGridLayout& form);
     void addSize(QGridLayout& form);
     void addToggles(QGridLayout& form);
-    void addDestination(QGridLayout& form);
     [[nodiscard]] QCheckBox* addToggle(QGridLayout& form, const QString& title, const QString& help = {});
     [[nodiscard]] QLabel* makeNote();
     /// `change` alters a copy of the settings, which then count.
     template <typename Change> void alter(Change change);
     void refresh();
     void refreshEffects();
-    void refreshDestination();
 
     LibraryViewModel& m_library;
     std::array<QToolButton*, ExportSettings::formats.size()> m_formats{};
@@ -60,7 +58,6 @@ private:
     QCheckBox* m_look = nullptr; // only where there is one
     QCheckBox* m_location;
     QCheckBox* m_dateFolders;
-    QToolButton* m_destination;
     QLabel* m_note;
     QPushButton* m_cancel;
     QPushButton* m_share;

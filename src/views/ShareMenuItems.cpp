@@ -72,8 +72,8 @@ void ShareMenuItems::addOriginals(QMenu& menu, const std::vector<PhotoItem>& pho
 }
 
 void ShareMenuItems::addExport(QMenu& menu, const std::vector<PhotoItem>& photos) const {
-    auto* entry = menu.addAction(tr("Export & Share…"), &menu, [this, photos] { exportPhotos(photos); });
-    entry->setText(withoutMnemonics(entry->text()));
+    auto* entry = menu.addAction(withoutMnemonics(tr("Export & Share…")), &menu,
+                                 [this, photos] { exportPhotos(photos); });
     entry->setToolTip(tr("Choose format, quality and size, then save the files to a folder or share them"));
     entry->setEnabled(std::ranges::any_of(photos, isStill) && !m_library.isCopying());
 }
