@@ -12,7 +12,7 @@ protected:
         for (const auto name : names) m_card.write(std::string{"DCIM/"} + std::string{name}, "12345678");
         start(m_card / "DCIM");
         m_items = std::make_unique<ShareMenuItems>(m_sharing.items(*m_library));
-        m_menu = new MainMenu{*m_library, m_history, *m_items, &m_window};
+        m_menu = new MainMenu{*m_library, m_sharing.history, *m_items, &m_window};
     }
     [[nodiscard]] QMenu* menu(const QString& title) const {
         for (auto* found : m_menu->findChildren<QMenu*>()) {
@@ -45,7 +45,6 @@ protected:
 
     TestSharing m_sharing{services()};
     std::unique_ptr<ShareMenuItems> m_items;
-    EditHistory m_history{m_sharing.edits};
     QWidget m_window;
     MainMenu* m_menu = nullptr;
 };
@@ -110,9 +109,9 @@ TEST_F(MainMenuTest, editsCanBeUndoneByNameAndPastedOntoPhotosOnceCopied) {
     open({"a.jpg", "b.jpg", "c.mov"});
     for (const auto* title : {"Undo", "Redo", "Paste Edits"}) EXPECT_FALSE(canChoose(title)) << title;
     const auto a = m_card / "DCIM/a.jpg";
-    m_history.setSlider(LightAdjustments::Slider::shadows, 20, a);
+    m_sharing.history.setSlider(LightAdjustments::Slider::shadows, 20, a);
     EXPECT_TRUE(canChoose("Undo Shadows"));
-    m_history.undo();
+    m_sharing.history.undo();
     EXPECT_FALSE(canChoose("Undo"));
     EXPECT_TRUE(canChoose("Redo Shadows"));
 
