@@ -1,6 +1,7 @@
 #include "cli/CommandLine.h"
 #include "samplecard/JPEG.h"
 
+#include <algorithm>
 #include <exiv2/exiv2.hpp>
 
 namespace kelvara {
@@ -14,8 +15,13 @@ protected:
     void SetUp() override {
         Shot shot;
         shot.time = 1'709'993'133;
-        photo("a.jpg", photoJPEG(Picture{96, 128}, shot, {}), 1'000'000'000);
-        photo("b.JPG", photoJPEG(Picture{128, 96}, shot, {}), 1'000'000'001);
+        photo("a.jpg", photoJPEG(grey(96, 128), shot, {}), 1'000'000'000);
+        photo("b.JPG", photoJPEG(grey(128, 96), shot, {}), 1'000'000'001);
+    }
+    [[nodiscard]] static Picture grey(int width, int height) {
+        Picture picture{width, height};
+        std::ranges::fill(picture.samples, 20'000);
+        return picture;
     }
     [[nodiscard]] CommandResult runExport(const Strings& options) const {
         Strings arguments{"export", from, to};
@@ -70,9 +76,9 @@ TEST_F(ExportCommandTest, optionsChooseTheFormatAndWhatIsDrawn) {
     const auto [a, b] = plain({"--format", "png"}, ".png");
     EXPECT_TRUE(a.starts_with("\x89PNG"));
     const auto edited = plain({"--format", "png", "--edits", "--edit-file", to + ".json"}, ".png");
-    EXPECT_NE(edited.first, a);
-    EXPECT_EQ(edited.second, b);
-    EXPECT_NE(plain({"--format", "png", "--bit-depth", "16"}, ".png").first, a);
+    EXPECT_TRUE(edited.first != a); // long bytes: nobody wants them printed
+    EXPECT_TRUE(edited.second == b);
+    EXPECT_TRUE(plain({"--format", "png", "--bit-depth", "16"}, ".png").first != a);
     EXPECT_EQ(plain({"--format", "heif", "--no-location"}, ".heic").first.substr(4, 4), "ftyp");
     for (const auto& options : std::vector<Strings>{{"--format", "gif"},
                                                     {"--quality", "0.3"},
