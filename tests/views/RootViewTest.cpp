@@ -377,6 +377,7 @@ TEST_F(RootViewTest, anExportAsksHowThenWhereAndOffersToShareTheFiles) {
     ASSERT_NE(visibleButton("Export"), nullptr);
     press(Qt::Key_Escape);
     EXPECT_TRUE(std::holds_alternative<CopyIdle>(m_library->copyState()));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // the sheet's first content
     choose();
     press(Qt::Key_Return);
     const TemporaryFolder destination;
