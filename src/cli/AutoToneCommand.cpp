@@ -25,7 +25,6 @@ AutoToneCommand::AutoToneCommand(CLI::App& app)
 }
 
 ExitCode AutoToneCommand::run() const {
-    const auto fail = [](const CommandError& error) { return printError(error.text), error.code; };
     const auto file = readableFile(m_file);
     if (!file) return fail(file.error());
     const auto preset = m_preset.load();

@@ -30,6 +30,11 @@ void setPath(JSON& object, const char* key, const char* uriKey, const FileURL& u
 
 void printError(std::string_view text) { fmt::print(stderr, "kelvara-cli: {}\n", text); }
 
+ExitCode fail(const CommandError& error) {
+    printError(error.text);
+    return error.code;
+}
+
 void printText(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
 
 void printJSON(const JSON& json) {

@@ -91,7 +91,6 @@ CopyingCommand::CopyingCommand(CLI::App& app, const std::string& name, const std
 }
 
 ExitCode CopyingCommand::run() const {
-    const auto fail = [](const CommandError& error) { return printError(error.text), error.code; };
     const auto folder = resolved(m_folder);
     if (!folder) return fail(folder.error());
     const auto destination = resolved(m_destination);

@@ -69,7 +69,6 @@ EditsCommand::EditsCommand(CLI::App& app, FileSystem& files)
 }
 
 ExitCode EditsCommand::run() const {
-    const auto fail = [](const CommandError& error) { return printError(error.text), error.code; };
     const auto photos = photosAt(m_photos);
     if (!photos) return fail(photos.error());
     const auto file = editFile(m_editFile);

@@ -37,12 +37,12 @@ EjectCommand::EjectCommand(CLI::App& app) : Command{app, "eject", "Unmount and e
 }
 
 ExitCode EjectCommand::run() const {
-    const auto fail = [](const std::string& text) { return printError(printable(text)), ExitCode::failure; };
     DesktopVolumes desktop;
     const auto volume = findVolume(desktop.list(), m_volume);
-    if (!volume) return fail(volume.error());
+    if (!volume) return fail({printable(volume.error())});
     if (const auto ejected = desktop.eject(volume->url); !ejected) {
-        return fail(localized("Couldn't eject “") + volume->name + localized("”: ") + ejected.error());
+        return fail(
+            {printable(localized("Couldn't eject “") + volume->name + localized("”: ") + ejected.error())});
     }
     if (m_asJSON) {
         JSON json;

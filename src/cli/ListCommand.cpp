@@ -112,10 +112,10 @@ ListCommand::ListCommand(CLI::App& app, FileSystem& files)
 
 ExitCode ListCommand::run() const {
     const auto folder = resolved(m_folder);
-    if (!folder) return printError(folder.error().text), folder.error().code;
+    if (!folder) return fail(folder.error());
     const InterruptWatch interrupt;
     const auto items = mediaFiles(m_files, *folder, interrupt.token());
-    if (!items) return printError(items.error().text), items.error().code;
+    if (!items) return fail(items.error());
 
     std::set<std::string> hidden;
     for (const auto& extension : m_hiddenExtensions) hidden.insert(upperExtension(extension));

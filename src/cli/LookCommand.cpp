@@ -51,7 +51,6 @@ LookCommand::LookCommand(CLI::App& app, const FileSystem& files)
 }
 
 ExitCode LookCommand::run() const {
-    const auto fail = [](const CommandError& error) { return printError(error.text), error.code; };
     const auto preset = m_preset.load();
     if (!preset) return fail(preset.error());
     const auto file = resolved(m_colors);

@@ -11,12 +11,6 @@
 
 namespace kelvara::cli {
 
-/// Why a command can't go on: the sentence for stderr and the exit code.
-struct CommandError {
-    std::string text;
-    ExitCode code = ExitCode::failure;
-};
-
 /// The file or folder that a path on the command line means, links and ".." resolved as far as it exists.
 [[nodiscard]] Result<FileURL, CommandError> resolved(const std::string& path);
 

@@ -104,7 +104,7 @@ MetadataCommand::MetadataCommand(CLI::App& app)
 
 ExitCode MetadataCommand::run() const {
     const auto file = readableFile(m_file);
-    if (!file) return printError(file.error().text), file.error().code;
+    if (!file) return fail(file.error());
     const auto info = readExif(*file, {});
     const auto sections = m_isFull ? dumpMetadata(*file, {}) : std::vector<MetadataSection>{};
     if (!m_asJSON) {

@@ -47,24 +47,23 @@ PictureCommand::PictureCommand(CLI::App& app, const std::string& name, const std
 }
 
 ExitCode PictureCommand::make(std::optional<int> size, const Change& change) const {
-    const auto fail = [](const std::string& text) { return printError(printable(text)), ExitCode::failure; };
     const auto file = readableFile(m_file);
-    if (!file) return printError(file.error().text), file.error().code;
+    if (!file) return fail(file.error());
     const auto output = resolved(m_output);
-    if (!output) return printError(output.error().text), output.error().code;
-    if (isSameFile(*file, *output)) return fail("A photo can't be replaced by a picture made of it.");
+    if (!output) return fail(output.error());
+    if (isSameFile(*file, *output)) return fail({"A photo can't be replaced by a picture made of it."});
 
     const InterruptWatch interrupt;
     const auto& stop = interrupt.token();
     const auto original = pictureIn(*file, size, stop);
-    if (!original) return printError(original.error().text), original.error().code;
+    if (!original) return fail(original.error());
     const auto picture = change(*original, stop);
-    if (stop.stop_requested()) return printError("Cancelled"), ExitCode::interrupted;
-    if (!picture) return fail("There is not enough memory.");
+    if (stop.stop_requested()) return fail({"Cancelled", ExitCode::interrupted});
+    if (!picture) return fail({"There is not enough memory."});
     const auto bytes = encoded(*picture, isPNG(*output), stop);
-    if (!bytes) return fail("The picture couldn't be encoded.");
+    if (!bytes) return fail({"The picture couldn't be encoded."});
     if (const auto written = m_files.writeFileAtomically(*output, *bytes); !written) {
-        return fail(message(written.error()));
+        return fail({printable(message(written.error()))});
     }
     if (m_asJSON) {
         JSON json;

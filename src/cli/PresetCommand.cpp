@@ -106,9 +106,9 @@ PresetCommand::PresetCommand(CLI::App& app)
 
 ExitCode PresetCommand::run() const {
     const auto file = resolved(m_file);
-    if (!file) return printError(file.error().text), file.error().code;
+    if (!file) return fail(file.error());
     const auto preset = loadedPreset(m_file);
-    if (!preset) return printError(preset.error().text), preset.error().code;
+    if (!preset) return fail(preset.error());
     if (!m_asJSON) {
         printText(text(*preset));
         return ExitCode::success;

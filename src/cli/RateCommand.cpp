@@ -21,16 +21,15 @@ RateCommand::RateCommand(CLI::App& app, FileSystem& files)
 
 ExitCode RateCommand::run() const {
     const auto file = resolved(m_file);
-    if (!file) return printError(file.error().text), file.error().code;
-    const auto fail = [](const std::string& text) { return printError(printable(text)), ExitCode::failure; };
+    if (!file) return fail(file.error());
     const auto status = m_files.status(*file);
-    if (!status) return fail(message(status.error()));
+    if (!status) return fail({printable(message(status.error()))});
     if (status->kind != FileStatus::Kind::file || !mediaKind(file->extension())) {
-        return fail(fmt::format("“{}” isn't a photo or video.", file->name()));
+        return fail({printable(fmt::format("“{}” isn't a photo or video.", file->name()))});
     }
     if (!hasRaw(*file)) {
-        return fail(localized("Lightroom ignores sidecars for files without a RAW, so this rating isn't "
-                              "written to disk."));
+        return fail({localized("Lightroom ignores sidecars for files without a RAW, so this rating isn't "
+                               "written to disk.")});
     }
 
     XMPService sidecars{m_files};
@@ -40,8 +39,8 @@ ExitCode RateCommand::run() const {
     const auto before = ratings.contains(sidecar[0]) ? ratings.at(sidecar[0]) : Rating{};
     if (before != rating) {
         if (const auto written = sidecars.setRating(rating, sidecar[0]); !written) {
-            return fail(fmt::format("{}{}: {}", localized("Couldn't save the rating for "), file->name(),
-                                    message(written.error())));
+            return fail({printable(fmt::format("{}{}: {}", localized("Couldn't save the rating for "),
+                                               file->name(), message(written.error())))});
         }
     }
     if (m_asJSON) {

@@ -37,16 +37,16 @@ RatingsCommand::RatingsCommand(CLI::App& app, FileSystem& files)
 
 ExitCode RatingsCommand::run() const {
     const auto folder = resolved(m_folder);
-    if (!folder) return printError(folder.error().text), folder.error().code;
+    if (!folder) return fail(folder.error());
     const InterruptWatch interrupt;
     const auto items = mediaFiles(m_files, *folder, interrupt.token());
-    if (!items) return printError(items.error().text), items.error().code;
+    if (!items) return fail(items.error());
 
     const auto files = rawFiles(*items);
     std::vector<FileURL> sidecars;
     for (const auto& file : files) sidecars.push_back(file.stemKey());
     const auto ratings = XMPService{m_files}.readRatings(sidecars, interrupt.token());
-    if (interrupt.token().stop_requested()) return printError("Cancelled"), ExitCode::interrupted;
+    if (interrupt.token().stop_requested()) return fail({"Cancelled", ExitCode::interrupted});
 
     JSON json;
     setPath(json, "folder", "folderURL", *folder);

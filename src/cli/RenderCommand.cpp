@@ -16,7 +16,7 @@ RenderCommand::RenderCommand(CLI::App& app, FileSystem& files)
 
 ExitCode RenderCommand::run() const {
     const auto preset = m_preset.load();
-    if (!preset) return printError(preset.error().text), preset.error().code;
+    if (!preset) return fail(preset.error());
     LightAdjustments light;
     m_light.setOn(light);
     const auto look = DevelopPreset::combining(*preset, light);
