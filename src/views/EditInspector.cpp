@@ -137,6 +137,8 @@ void EditInspector::refresh() {
 
 void EditInspector::refreshHistogram() {
     m_histogramView->show(m_histogram.histogram());
+    const auto isGrid = m_library.viewMode() == ViewMode::grid;
+    m_histogramView->setHint(isGrid ? tr("Open the photo to see its histogram") : QString{});
     m_light->setAutomaticEnabled(m_histogram.histogram() && m_loupe.plainPicture());
 }
 
