@@ -12,8 +12,6 @@
 #include <QScrollArea>
 #include <QStackedLayout>
 
-#include <utility>
-
 namespace kelvara {
 
 namespace {
@@ -118,9 +116,10 @@ void EditInspector::refresh() {
     const auto* item = isVisible() ? m_library.focusedItem() : nullptr;
     const auto isVideo = item && item->kind() == MediaKind::video;
     const auto url = item && !isVideo ? item->url : FileURL{};
-    if (std::exchange(m_url, url) != url) {
+    if (url != m_url) {
         m_automatic.cancel();
-        m_light->letGo();
+        m_light->letGo(); // what that changes is still of the photo before
+        m_url = url;
     }
     m_absence->setText(isVideo ? tr("Videos can't be edited.") : tr("Select a photo to edit it."));
     m_pages->setCurrentWidget(url.isEmpty() ? m_absence : m_form);
