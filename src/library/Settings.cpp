@@ -2,12 +2,9 @@
 
 #include "library/PreferenceKeys.h"
 #include "platform/Preferences.h"
+#include "services/ShareService.h"
 
 namespace kelvara {
-
-namespace {
-constexpr std::int64_t usualLongEdge = 2048;
-}
 
 bool Settings::isOn(std::string_view key) const { return m_preferences.boolean(key).value_or(true); }
 
@@ -33,8 +30,8 @@ void Settings::setGridShowsInfo(bool shows) {
 }
 
 std::int64_t Settings::shareLongEdge() const {
-    const auto pixels = m_preferences.integer(PreferenceKeys::shareLongEdge).value_or(usualLongEdge);
-    return pixels > 0 ? pixels : usualLongEdge;
+    const auto pixels = m_preferences.integer(PreferenceKeys::shareLongEdge).value_or(0);
+    return pixels > 0 ? pixels : ShareService::usualLongEdge;
 }
 
 void Settings::setShareLongEdge(std::int64_t pixels) {

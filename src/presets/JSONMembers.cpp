@@ -1,5 +1,6 @@
 #include "presets/JSONMembers.h"
 
+#include <algorithm>
 #include <string>
 
 namespace kelvara {

@@ -121,7 +121,8 @@ CopyService::plan(const PlanRequest& request, const std::stop_token& stop) const
     std::vector<Plan> plans;
     TargetFolders folders{m_files, request};
     Planner planner{m_files, request, stop};
-    for (const auto& item : request.exportAs ? oneImagePerShot(request.items) : request.items) {
+    const auto images = request.exportAs ? oneImagePerShot(request.items) : std::vector<PhotoItem>{};
+    for (const auto& item : request.exportAs ? images : request.items) {
         const auto target = folders.folder(item);
         if (!target) return Failure{CopyError{target.error()}};
         plans.push_back(planner.plan(item, *target));

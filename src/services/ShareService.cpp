@@ -1,5 +1,6 @@
 #include "services/ShareService.h"
 
+#include "model/OneImagePerShot.h"
 #include "services/CopyNames.h"
 
 #include <atomic>
@@ -9,7 +10,6 @@
 #include <random>
 #include <system_error>
 #include <thread>
-#include <unordered_map>
 
 namespace kelvara {
 
@@ -26,37 +26,6 @@ std::string freshUUID() {
     const auto variant = (word() & 0x3FFFFFFF) | 0x80000000;
     return fmt::format("{:08X}-{:04X}-{:04X}-{:04X}-{:04X}{:08X}", word(), versioned >> 16,
                        versioned & 0xFFFF, variant >> 16, variant & 0xFFFF, word());
-}
-
-/// How well a file of a shot stands for it, 0 the best: the camera's own picture is ready, and is what
-/// people have seen.
-int preference(const PhotoItem& photo) {
-    switch (photo.kind().value_or(MediaKind::video)) {
-    case MediaKind::jpeg:
-        return 0;
-    case MediaKind::heif:
-        return 1;
-    case MediaKind::raw:
-        return 2;
-    case MediaKind::video:
-        break;
-    }
-    return 3;
-}
-
-/// The file of each shot that its JPEG is made of, in the order of the photos.
-std::vector<PhotoItem> oneFilePerShot(std::span<const PhotoItem> photos) {
-    std::vector<PhotoItem> chosen;
-    std::unordered_map<FileURL, std::size_t> positions; // by shot
-    for (const auto& photo : photos) {
-        const auto [position, isNew] = positions.try_emplace(photo.url.stemKey(), chosen.size());
-        if (isNew) {
-            chosen.push_back(photo);
-        } else if (auto& best = chosen[position->second]; preference(photo) < preference(best)) {
-            best = photo;
-        }
-    }
-    return chosen;
 }
 
 /// A photo on its way into a job's folder, and what became of it.
@@ -78,7 +47,7 @@ std::vector<Job> jobs(std::span<const PhotoItem> photos, const std::optional<Exp
     settings.keepsLocation = false;
     std::vector<Job> made;
     DestinationNames names{files, false, stop};
-    for (const auto& photo : oneFilePerShot(photos)) {
+    for (const auto& photo : oneImagePerShot(photos)) {
         made.push_back({.photo = {.source = photo.url,
                                   .destination = names.unused(
                                       photo.url, ExportSettings::fileExtension(settings.format), folder),

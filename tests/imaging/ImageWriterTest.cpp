@@ -182,6 +182,9 @@ TEST_F(ImageWriterTest, whatHoldsForTheNewFileIsCarriedAndNothingElse) {
         EXPECT_EQ(metadata.exif.findKey(Exiv2::ExifKey{"Exif.Photo.MakerNote"}), metadata.exif.end());
         EXPECT_EQ(metadata.xmp.findKey(Exiv2::XmpKey{"Xmp.xmp.Rating"}), metadata.xmp.end()) << "unrated";
     }
+    const auto strip = deepBitmap({70'000, 1}, [](int, int) { return 0U; });
+    auto metadata = LoadedMetadata::of(written({strip, source, {}}, settingsOf(Format::png)), {});
+    EXPECT_EQ(metadata.exif["Exif.Photo.PixelXDimension"].toString(), "70000");
 }
 
 TEST_F(ImageWriterTest, withoutLocationNoByteTellsIt) {

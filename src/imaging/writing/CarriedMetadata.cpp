@@ -79,18 +79,17 @@ void carry(const Exiv2::ExifData& from, bool keepsLocation, ExifDraft& to) {
 void describe(const Bitmap& image, ExifDraft& draft) {
     constexpr std::uint16_t exifVersion = 0x9000, components = 0x9101, colorPosition = 0x0213;
     constexpr std::uint16_t upright = 1, centered = 1, colorOfSRGB = 1, uncalibrated = 0xFFFF;
-    const auto side = [](int pixels) { return static_cast<std::uint16_t>(std::min(pixels, 0xFFFF)); };
-    draft.setNumber(draft.image, TiffTag::orientation, upright);
+    draft.setShort(draft.image, TiffTag::orientation, upright);
     draft.completeResolution(draft.image);
     if (!draft.thumbnail.empty()) { // of a JPEG, which has to name its parts
-        draft.setNumber(draft.image, colorPosition, centered);
+        draft.setShort(draft.image, colorPosition, centered);
         draft.photo[components] = {undefinedType, 4, {1, 2, 3, 0}};
     }
     draft.photo.try_emplace(exifVersion, ExifDraft::Value{undefinedType, 4, {'0', '2', '3', '1'}});
-    draft.setNumber(draft.photo, TiffTag::pixelWidth, side(image.width()));
-    draft.setNumber(draft.photo, TiffTag::pixelHeight, side(image.height()));
+    draft.setLong(draft.photo, TiffTag::pixelWidth, static_cast<std::uint32_t>(image.width()));
+    draft.setLong(draft.photo, TiffTag::pixelHeight, static_cast<std::uint32_t>(image.height()));
     const bool isSRGB = *image.profile() == *ColorProfile::sRGB();
-    draft.setNumber(draft.photo, TiffTag::colorSpace, isSRGB ? colorOfSRGB : uncalibrated);
+    draft.setShort(draft.photo, TiffTag::colorSpace, isSRGB ? colorOfSRGB : uncalibrated);
 }
 
 std::vector<std::uint8_t> exifFrom(const Exiv2::ExifData& source, const Bitmap& image, bool keepsLocation,

@@ -91,10 +91,14 @@ private:
 
 } // namespace
 
-void ExifDraft::setNumber(Directory& directory, std::uint16_t tag, std::uint16_t number) const {
+void ExifDraft::setShort(Directory& directory, std::uint16_t tag, std::uint16_t number) const {
     std::vector<std::uint8_t> bytes(2);
     putNumber(bytes.data(), number, bytes.size(), isBigEndian);
     directory[tag] = {shortType, 1, std::move(bytes)};
+}
+
+void ExifDraft::setLong(Directory& directory, std::uint16_t tag, std::uint32_t number) const {
+    directory[tag] = {longType, 1, longBytes(number, isBigEndian)};
 }
 
 void ExifDraft::completeResolution(Directory& directory) const {
@@ -102,22 +106,19 @@ void ExifDraft::completeResolution(Directory& directory) const {
     auto bytes = longBytes(72, isBigEndian);
     std::ranges::copy(longBytes(1, isBigEndian), std::back_inserter(bytes));
     for (const auto tag : {horizontal, vertical}) directory.try_emplace(tag, Value{rationalType, 1, bytes});
-    if (!directory.contains(unit)) setNumber(directory, unit, inches);
+    if (!directory.contains(unit)) setShort(directory, unit, inches);
 }
 
 std::vector<std::uint8_t> ExifDraft::bytes() const {
     constexpr std::uint16_t compressionOfJpeg = 6;
-    const auto point = [this](Directory& directory, std::uint16_t tag, std::uint32_t to) {
-        directory[tag] = {longType, 1, longBytes(to, isBigEndian)};
-    };
     Directory first = image, second;
-    point(first, TiffTag::exifDirectory, 0);
-    if (!gps.empty()) point(first, TiffTag::gpsDirectory, 0);
+    setLong(first, TiffTag::exifDirectory, 0);
+    if (!gps.empty()) setLong(first, TiffTag::gpsDirectory, 0);
     if (!thumbnail.empty()) {
-        setNumber(second, TiffTag::compression, compressionOfJpeg);
+        setShort(second, TiffTag::compression, compressionOfJpeg);
         completeResolution(second);
-        point(second, TiffTag::jpegOffset, 0);
-        point(second, TiffTag::jpegLength, static_cast<std::uint32_t>(thumbnail.size()));
+        setLong(second, TiffTag::jpegOffset, 0);
+        setLong(second, TiffTag::jpegLength, static_cast<std::uint32_t>(thumbnail.size()));
     }
     Layout layout{*this};
     const auto takeFor = [&](const Directory& directory) {
@@ -125,15 +126,15 @@ std::vector<std::uint8_t> ExifDraft::bytes() const {
     };
     const auto firstAt = layout.take(sizeOf(first)), photoAt = layout.take(sizeOf(photo));
     const auto gpsAt = takeFor(gps), secondAt = takeFor(second);
-    point(first, TiffTag::exifDirectory, photoAt);
-    if (!gps.empty()) point(first, TiffTag::gpsDirectory, gpsAt);
+    setLong(first, TiffTag::exifDirectory, photoAt);
+    if (!gps.empty()) setLong(first, TiffTag::gpsDirectory, gpsAt);
     layout.write(first, firstAt, secondAt);
     layout.write(photo, photoAt, 0);
     if (!gps.empty()) layout.write(gps, gpsAt, 0);
     if (!second.empty()) {
         const auto thumbnailAt = layout.take(thumbnail.size());
         layout.copy(thumbnail, thumbnailAt);
-        point(second, TiffTag::jpegOffset, thumbnailAt);
+        setLong(second, TiffTag::jpegOffset, thumbnailAt);
         layout.write(second, secondAt, 0);
     }
     return std::move(layout).finish(firstAt);

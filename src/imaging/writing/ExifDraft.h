@@ -26,7 +26,8 @@ struct ExifDraft {
     std::uint32_t makerNoteOffset = 0;
     std::string thumbnail; ///< A JPEG; may be empty.
 
-    void setNumber(Directory& directory, std::uint16_t tag, std::uint16_t number) const;
+    void setShort(Directory& directory, std::uint16_t tag, std::uint16_t number) const;
+    void setLong(Directory& directory, std::uint16_t tag, std::uint32_t number) const;
     /// 72 dots an inch, unless the directory says something else.
     void completeResolution(Directory& directory) const;
 

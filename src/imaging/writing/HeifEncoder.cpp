@@ -3,6 +3,8 @@
 #include "imaging/writing/GrowingFile.h"
 #include "imaging/writing/RowsInFormat.h"
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstddef>
@@ -79,14 +81,29 @@ bool addBlocks(heif_context* context, const heif_image_handle* handle, const Emb
                                                     static_cast<int>(blocks.xmp.size())));
 }
 
+/// The library's quality, 0 to 100, for a photo that looks like a JPEG of `quality`, in half its bytes. The
+/// library's own scale gives files twice as large as JPEGs instead. Measured by PSNR on photos of 2,048 px.
+int libraryQuality(double quality) {
+    struct Point {
+        double jpeg, library;
+    };
+    constexpr std::array<Point, 4> points{{{0.5, 34}, {0.8, 48}, {0.92, 61}, {1, 90}}};
+    std::size_t i = 1;
+    while (i + 1 < points.size() && quality > points[i].jpeg) ++i;
+    const auto& from = points[i - 1];
+    const auto& to = points[i];
+    const double share = std::clamp((quality - from.jpeg) / (to.jpeg - from.jpeg), 0.0, 1.0);
+    return static_cast<int>(std::lround(std::lerp(from.library, to.library, share)));
+}
+
 /// The encoder, set up; null where the library was built without.
 HeifOwned<heif_encoder> hevcEncoder(heif_context* context, double quality) {
     heif_encoder* encoder = nullptr;
     if (!heifWorked(heif_context_get_encoder_for_format(context, heif_compression_HEVC, &encoder)))
         return nullptr;
     HeifOwned<heif_encoder> result{encoder};
-    heif_encoder_set_lossy_quality(encoder, static_cast<int>(std::lround(quality * 100)));
-    // Measured on photos: the slower ones give files of the same size and quality in three times the time.
+    heif_encoder_set_lossy_quality(encoder, libraryQuality(quality));
+    // Measured on photos: the slower ones take three times as long for files no smaller at the same PSNR.
     heif_encoder_set_parameter_string(encoder, "preset", "ultrafast");
     return result;
 }
