@@ -12,8 +12,6 @@
 #include <QScrollArea>
 #include <QStackedLayout>
 
-#include <utility>
-
 namespace kelvara {
 
 namespace {
@@ -118,9 +116,10 @@ void EditInspector::refresh() {
     const auto* item = isVisible() ? m_library.focusedItem() : nullptr;
     const auto isVideo = item && item->kind() == MediaKind::video;
     const auto url = item && !isVideo ? item->url : FileURL{};
-    if (std::exchange(m_url, url) != url) {
+    if (url != m_url) {
         m_automatic.cancel();
-        m_light->letGo();
+        m_light->letGo(); // what that changes is still of the photo before
+        m_url = url;
     }
     m_absence->setText(isVideo ? tr("Videos can't be edited.") : tr("Select a photo to edit it."));
     m_pages->setCurrentWidget(url.isEmpty() ? m_absence : m_form);
@@ -137,6 +136,8 @@ void EditInspector::refresh() {
 
 void EditInspector::refreshHistogram() {
     m_histogramView->show(m_histogram.histogram());
+    const auto isGrid = m_library.viewMode() == ViewMode::grid;
+    m_histogramView->setHint(isGrid ? tr("Open the photo to see its histogram") : QString{});
     m_light->setAutomaticEnabled(m_histogram.histogram() && m_loupe.plainPicture());
 }
 

@@ -21,6 +21,7 @@ constexpr double noticeable = 0.0002; // of the pixels
 constexpr QRgb ground = 0xff161616;
 constexpr QRgb quietMark = 0xff5a5a5a;
 constexpr QRgb channelColors[]{0xff781111, 0xff116815, 0xff112174};
+constexpr QRgb hintColor = 0xff9a9a9a;
 constexpr QRgb luminanceColor = 0xb0e4e4e4;
 
 /// What stands for all: high enough to show the smaller counts beside the largest.
@@ -105,15 +106,30 @@ void HistogramView::show(const std::optional<Histogram>& histogram) {
     update();
 }
 
+void HistogramView::setHint(const QString& hint) {
+    if (std::exchange(m_hint, hint) != hint) update();
+}
+
 void HistogramView::paintEvent(QPaintEvent*) {
     QPainter painter{this};
     painter.setRenderHint(QPainter::Antialiasing);
     QPainterPath frame;
     frame.addRoundedRect(rect(), radius::popover, radius::popover);
     painter.fillPath(frame, QColor{ground});
-    const auto most = m_histogram ? peak(*m_histogram) : 0;
-    if (most <= 0) return;
     painter.setClipPath(frame);
+    m_histogram ? paintLevels(painter) : paintHint(painter);
+}
+
+void HistogramView::paintHint(QPainter& painter) const {
+    painter.setFont(kelvara::font(TextRole::caption));
+    painter.setPen(QColor{hintColor});
+    painter.drawText(rect().adjusted(spacing::large, markSide, -spacing::large, -markSide),
+                     Qt::AlignCenter | Qt::TextWordWrap, m_hint);
+}
+
+void HistogramView::paintLevels(QPainter& painter) const {
+    const auto most = peak(*m_histogram);
+    if (most <= 0) return;
     const auto area = QRectF{rect()}.adjusted(1, spacing::medium, -1, 0);
     painter.setPen(Qt::NoPen);
     painter.setCompositionMode(QPainter::CompositionMode_Plus);

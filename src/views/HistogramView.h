@@ -38,6 +38,8 @@ public:
 
     void show(const std::optional<Histogram>& histogram);
     using QWidget::show;
+    /// What stands in place of a histogram; empty for nothing.
+    void setHint(const QString& hint);
     /// What the marks ask for.
     [[nodiscard]] Clipping clipping() const;
 
@@ -48,7 +50,11 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void paintHint(QPainter& painter) const;
+    void paintLevels(QPainter& painter) const;
+
     std::optional<Histogram> m_histogram;
+    QString m_hint;
     ClippingMark* m_shadows;
     ClippingMark* m_highlights;
 };

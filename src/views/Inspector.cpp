@@ -13,7 +13,6 @@ namespace kelvara {
 
 namespace {
 
-constexpr int narrowest = 248; // the names of the tabs
 constexpr int symbolSide = 40;
 
 struct Tab {
@@ -74,8 +73,8 @@ private:
 
 Inspector::Inspector(LibraryViewModel& library, const Contents& contents, QWidget* parent)
     : Panel{&Theme::panel, parent}, m_library{library} {
-    setMinimumWidth(narrowest);
     auto* tabRow = makeTabs(); // first, for the keyboard goes from the tabs to what they show
+    setMinimumWidth(tabRow->minimumSizeHint().width()); // of whole names
     auto* pages = new QWidget{this};
     m_pages = new QStackedLayout{pages};
     m_pages->setContentsMargins({});

@@ -25,7 +25,7 @@ public:
     void show(const LightAdjustments& adjustments);
     using QWidget::show;
     void setAutomaticEnabled(bool isEnabled);
-    /// Ends a drag under way: what is dragged is no longer what is shown.
+    /// Ends a drag under way, and takes what is typed: another photo comes.
     void letGo();
 
 signals:

@@ -26,10 +26,8 @@ LightRow::LightRow(LightAdjustments::Slider slider, QWidget* parent) : QWidget{p
     m_value->setAccessibleName(name);
     connect(m_control, &LightSlider::gestureBegan, this, &LightRow::gestureBegan);
     connect(m_control, &LightSlider::moved, this, &LightRow::moved);
-    connect(m_value, &LightValueField::typed, this, [this](double amount) {
-        emit gestureBegan();
-        emit moved(amount);
-    });
+    connect(m_value, &LightValueField::gestureBegan, this, &LightRow::gestureBegan);
+    connect(m_value, &LightValueField::moved, this, &LightRow::moved);
     auto* head = new QHBoxLayout;
     head->setSpacing(spacing::small);
     head->addWidget(makeLabel(TextRole::caption, Tone::normal, this, name));
@@ -51,7 +49,10 @@ void LightRow::showAmount(double amount) {
     m_value->showAmount(amount);
 }
 
-void LightRow::letGo() { m_control->setSliderDown(false); }
+void LightRow::letGo() {
+    m_control->setSliderDown(false);
+    m_value->finish();
+}
 
 void LightRow::mouseDoubleClickEvent(QMouseEvent* event) {
     // On the name, for the others take theirs.

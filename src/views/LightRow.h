@@ -19,7 +19,7 @@ public:
     /// "Exposure".
     [[nodiscard]] static QString name(LightAdjustments::Slider slider);
     void showAmount(double amount);
-    /// Ends a drag under way.
+    /// Ends a drag under way, and takes what is typed.
     void letGo();
 
 signals:

@@ -1,5 +1,6 @@
 #include "views/LightSlider.h"
 
+#include "views/LightSteps.h"
 #include "views/Text.h"
 #include "views/Theme.h"
 
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace kelvara {
 
@@ -22,18 +24,6 @@ constexpr double trackHeight = 3;
 constexpr double neutralReach = 3; // logical pixels around the middle that count as it
 constexpr double fineShare = 0.1;
 constexpr int wheelNotch = 120; // Qt's eighths of a degree
-
-double fineStep(Light::Slider slider) { return slider == Light::Slider::exposure ? 0.01 : 1; }
-double plainStep(Light::Slider slider) { return slider == Light::Slider::exposure ? 0.05 : 1; }
-double largeStep(Light::Slider slider) { return slider == Light::Slider::exposure ? 0.25 : 10; }
-
-/// Some window managers keep Alt and the mouse to themselves.
-bool isFine(Qt::KeyboardModifiers modifiers) { return modifiers & (Qt::AltModifier | Qt::ControlModifier); }
-
-double stepOf(Light::Slider slider, Qt::KeyboardModifiers modifiers) {
-    if (isFine(modifiers)) return fineStep(slider);
-    return modifiers.testFlag(Qt::ShiftModifier) ? largeStep(slider) : plainStep(slider);
-}
 
 class AccessibleSlider : public QAccessibleWidget, public QAccessibleValueInterface {
 public:
@@ -55,7 +45,7 @@ public:
     }
     [[nodiscard]] QVariant maximumValue() const override { return Light::limit(m_slider.slider()); }
     [[nodiscard]] QVariant minimumValue() const override { return -Light::limit(m_slider.slider()); }
-    [[nodiscard]] QVariant minimumStepSize() const override { return fineStep(m_slider.slider()); }
+    [[nodiscard]] QVariant minimumStepSize() const override { return LightSteps::fine(m_slider.slider()); }
 
 private:
     LightSlider& m_slider;
@@ -94,22 +84,20 @@ double LightSlider::span() const { return std::max(1.0, width() / 2.0 - handleRa
 double LightSlider::handleAt() const { return width() / 2.0 + m_amount / Light::limit(m_slider) * span(); }
 
 double LightSlider::atStep(double amount, Qt::KeyboardModifiers modifiers) const {
-    if (!isFine(modifiers) && std::abs(amount) < neutralReach / span() * Light::limit(m_slider)) return 0;
-    const auto step = isFine(modifiers) ? fineStep(m_slider) : plainStep(m_slider);
+    const auto isFine = LightSteps::isFine(modifiers);
+    if (!isFine && std::abs(amount) < neutralReach / span() * Light::limit(m_slider)) return 0;
+    const auto step = isFine ? LightSteps::fine(m_slider) : LightSteps::plain(m_slider);
     return std::round(amount / step) * step;
 }
 
 void LightSlider::moveTo(double amount) {
     amount = std::clamp(amount, -Light::limit(m_slider), Light::limit(m_slider));
-    if (std::abs(amount - m_amount) >= fineStep(m_slider) / 2) emit moved(amount);
+    if (std::abs(amount - m_amount) >= LightSteps::fine(m_slider) / 2) emit moved(amount);
 }
 
 void LightSlider::stepBy(double steps, Qt::KeyboardModifiers modifiers) {
     if (!std::exchange(m_isKeyed, true)) emit gestureBegan();
-    const auto step = stepOf(m_slider, modifiers);
-    // Rounded to the finest step, so that many steps don't add up to less than they are.
-    const auto amount = m_amount + steps * step;
-    moveTo(std::round(amount / fineStep(m_slider)) * fineStep(m_slider));
+    moveTo(LightSteps::moved(m_slider, m_amount, steps, modifiers));
 }
 
 void LightSlider::mousePressEvent(QMouseEvent* event) {
@@ -119,7 +107,7 @@ void LightSlider::mousePressEvent(QMouseEvent* event) {
     m_pointer = event->position().x();
     m_dragged = m_amount;
     // Beside the handle it goes there and is held, so that one can drag from anywhere.
-    if (!isFine(event->modifiers()) && std::abs(m_pointer - handleAt()) > handleRadius + 2) {
+    if (!LightSteps::isFine(event->modifiers()) && std::abs(m_pointer - handleAt()) > handleRadius + 2) {
         m_dragged = (m_pointer - width() / 2.0) / span() * Light::limit(m_slider);
         moveTo(atStep(m_dragged, event->modifiers()));
     }
@@ -130,7 +118,8 @@ void LightSlider::mousePressEvent(QMouseEvent* event) {
 void LightSlider::mouseMoveEvent(QMouseEvent* event) {
     if (!isSliderDown()) return;
     const auto way = event->position().x() - std::exchange(m_pointer, event->position().x());
-    m_dragged += way / span() * Light::limit(m_slider) * (isFine(event->modifiers()) ? fineShare : 1);
+    m_dragged +=
+        way / span() * Light::limit(m_slider) * (LightSteps::isFine(event->modifiers()) ? fineShare : 1);
     moveTo(atStep(m_dragged, event->modifiers()));
 }
 

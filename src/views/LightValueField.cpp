@@ -1,5 +1,6 @@
 #include "views/LightValueField.h"
 
+#include "views/LightSteps.h"
 #include "views/Text.h"
 #include "views/Theme.h"
 
@@ -9,6 +10,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <utility>
 
 namespace kelvara {
 
@@ -53,7 +55,7 @@ LightValueField::LightValueField(LightAdjustments::Slider slider, QWidget* paren
 }
 
 void LightValueField::showAmount(double amount) {
-    m_amount = amount;
+    if (std::exchange(m_amount, amount) == amount) return; // what is selected stays selected
     if (!hasFocus() || !isModified()) showText();
 }
 
@@ -62,14 +64,35 @@ void LightValueField::showText() {
     setModified(false);
 }
 
-void LightValueField::finish() {
-    if (!isModified()) return;
+std::optional<double> LightValueField::typed() const {
+    if (!isModified()) return std::nullopt;
     bool isNumber = false;
     const auto number =
         QLineEdit::text().trimmed().replace(u',', u'.').replace(QChar{u'−'}, u'-').toDouble(&isNumber);
+    return isNumber ? std::optional{number} : std::nullopt;
+}
+
+void LightValueField::finish() {
+    m_isStepping = false;
+    if (!isModified()) return;
+    const auto number = typed();
     setModified(false);
-    if (isNumber) emit typed(number);
+    if (number) {
+        emit gestureBegan();
+        emit moved(*number);
+    }
     showText();
+}
+
+void LightValueField::keyPressEvent(QKeyEvent* event) {
+    const auto isUp = event->key() == Qt::Key_Up;
+    if (!isUp && event->key() != Qt::Key_Down) return QLineEdit::keyPressEvent(event);
+    const auto from = typed().value_or(m_amount);
+    setModified(false);
+    if (!std::exchange(m_isStepping, true)) emit gestureBegan();
+    emit moved(LightSteps::moved(m_slider, from, isUp ? 1 : -1, event->modifiers()));
+    showText();
+    selectAll();
 }
 
 bool LightValueField::event(QEvent* event) {

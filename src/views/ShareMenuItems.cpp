@@ -42,7 +42,7 @@ void ShareMenuItems::addJPEGs(QMenu& menu, const std::vector<PhotoItem>& photos,
     const auto now = look(photos);
     const auto size = QString::number(m_sharing.longEdge());
     const auto addEntry = [&](QStringView symbolName, const QString& title, const QString& help, auto act) {
-        auto* entry = menu.addAction(symbolIcon(symbolName, &Theme::text), title, &menu, act);
+        auto* entry = menu.addAction(menuIcon(symbolName), title, &menu, act);
         entry->setToolTip(help.arg(size));
         entry->setEnabled(std::ranges::any_of(photos, isStill));
     };
@@ -64,7 +64,7 @@ void ShareMenuItems::addOriginals(QMenu& menu, const std::vector<PhotoItem>& pho
         photos.size() == 1
             ? tr("Share Original")
             : tr("Share %1 Originals").arg(countText(static_cast<std::int64_t>(photos.size())));
-    menu.addAction(symbolIcon(u"square.and.arrow.up", &Theme::text), title, &menu, [this, photos, anchor] {
+    menu.addAction(menuIcon(u"square.and.arrow.up"), title, &menu, [this, photos, anchor] {
         std::vector<FileURL> files;
         for (const auto& photo : photos) files.push_back(photo.url);
         m_sharing.shareFiles(std::move(files), anchor);

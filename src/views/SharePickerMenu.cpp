@@ -24,8 +24,6 @@ struct SharePickerMenu::Search {
 
 namespace {
 
-QIcon icon(QStringView name) { return symbolIcon(name, &Theme::text); }
-
 /// The files as other programs paste them; GNOME's file manager has a list of its own.
 QMimeData* pasteable(const std::vector<FileURL>& files) {
     QList<QUrl> urls;
@@ -59,7 +57,7 @@ void SharePickerMenu::share(std::vector<FileURL> files, const std::optional<Anch
     if (parcel.files.size() == 1)
         addTarget(m_services.otherProgram, u"arrow.up.forward.app", tr("Open With…"), parcel);
     addCopying(parcel);
-    m_menu->addAction(icon(u"folder"), tr("Show in Finder"), m_menu,
+    m_menu->addAction(menuIcon(u"folder"), tr("Show in Finder"), m_menu,
                       [this, file = parcel.files.front()] { m_services.desktop.showInFileManager(file); });
     m_menu->addSeparator();
     auto* looking = m_menu->addAction(tr("Looking for Devices…"));
@@ -109,7 +107,7 @@ void SharePickerMenu::findDevices(std::function<void(const std::vector<Device>&)
 /// The entry can't be chosen before its service has answered, and goes where there is none.
 void SharePickerMenu::addTarget(ShareTargets& service, QStringView symbol, const QString& title,
                                 const Parcel& parcel) {
-    QPointer<QAction> action = m_menu->addAction(icon(symbol), title);
+    QPointer<QAction> action = m_menu->addAction(menuIcon(symbol), title);
     action->setEnabled(false);
     service.find([&service, action, parcel](const std::vector<ShareTarget>& targets) {
         if (!action) return;
@@ -125,14 +123,14 @@ void SharePickerMenu::addTarget(ShareTargets& service, QStringView symbol, const
 void SharePickerMenu::addDevices(const std::vector<Device>& devices, const Parcel& parcel) {
     for (const auto& device : devices) {
         m_menu->addAction(
-            icon(device.symbol), withoutMnemonics(text(device.target.name)), m_menu,
+            menuIcon(device.symbol), withoutMnemonics(text(device.target.name)), m_menu,
             [device, parcel] { device.service->send(device.target, parcel.files, parcel.onEnd); });
     }
 }
 
 void SharePickerMenu::addCopying(const Parcel& parcel) {
     const auto title = tr("Copy %Ln Files", nullptr, static_cast<int>(parcel.files.size()));
-    m_menu->addAction(icon(u"doc.on.doc"), title, m_menu, [parcel] {
+    m_menu->addAction(menuIcon(u"doc.on.doc"), title, m_menu, [parcel] {
         QGuiApplication::clipboard()->setMimeData(pasteable(parcel.files));
         parcel.onEnd({});
     });

@@ -86,7 +86,7 @@ QPixmap padded(const QPixmap& symbol, const QSize& size) {
 
 class SymbolEngine final : public QIconEngine {
 public:
-    SymbolEngine(QString name, std::function<QColor(QIcon::State)> color)
+    SymbolEngine(QString name, std::function<QColor(QIcon::Mode, QIcon::State)> color)
         : m_name{std::move(name)}, m_color{std::move(color)} {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State state) override {
@@ -97,7 +97,7 @@ public:
         return scaledPixmap(size, mode, state, 1);
     }
     QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State state, qreal scale) override {
-        auto color = m_color(state);
+        auto color = m_color(mode, state);
         if (mode == QIcon::Disabled) color.setAlphaF(color.alphaF() * 0.4F);
         const auto points = static_cast<int>(std::lround(std::min(size.width(), size.height()) / scale));
         return padded(symbol(m_name, points, color, scale), size);
@@ -108,7 +108,7 @@ public:
 
 private:
     QString m_name;
-    std::function<QColor(QIcon::State)> m_color;
+    std::function<QColor(QIcon::Mode, QIcon::State)> m_color;
 };
 
 } // namespace
@@ -129,13 +129,20 @@ QPixmap symbol(QStringView name, int points, const QColor& color, qreal devicePi
 }
 
 QIcon symbolIcon(QStringView name, const QColor& color) {
-    return QIcon{new SymbolEngine{name.toString(), [color](QIcon::State) { return color; }}};
+    return QIcon{new SymbolEngine{name.toString(), [color](auto, auto) { return color; }}};
 }
 
 QIcon symbolIcon(QStringView name, QColor Theme::*color, QColor Theme::*onColor) {
-    return QIcon{new SymbolEngine{name.toString(), [=](QIcon::State state) {
+    return QIcon{new SymbolEngine{name.toString(), [=](auto, QIcon::State state) {
                                       const auto& theme = Theme::current();
                                       return state == QIcon::On && onColor ? theme.*onColor : theme.*color;
+                                  }}};
+}
+
+QIcon menuIcon(QStringView name) {
+    return QIcon{new SymbolEngine{name.toString(), [](QIcon::Mode mode, auto) {
+                                      const auto& theme = Theme::current();
+                                      return mode == QIcon::Active ? theme.onAccent : theme.text;
                                   }}};
 }
 

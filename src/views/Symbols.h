@@ -23,6 +23,9 @@ namespace kelvara {
 /// An icon in a colour of the theme, `onColor` while checked; it follows a change of the theme.
 [[nodiscard]] QIcon symbolIcon(QStringView name, QColor Theme::*color, QColor Theme::*onColor = nullptr);
 
+/// An icon of a menu's entry: in the colour of its text, also while the entry is chosen.
+[[nodiscard]] QIcon menuIcon(QStringView name);
+
 /// Every name there is, in alphabetical order.
 [[nodiscard]] QStringList symbolNames();
 

@@ -1,5 +1,6 @@
 #include "views/WindowKeys.h"
 
+#include "views/LightValueField.h"
 #include "views/PresetListView.h"
 
 #include <QAbstractButton>
@@ -69,7 +70,8 @@ bool isForSingleImage(Kind command) {
 Command byMenuKey(QKeyCombination keys, KeyFocus focus, ViewMode mode) {
     for (const auto& key : menuKeys) {
         if (key.keys != keys) continue;
-        if (focus == KeyFocus::textField && editsText(key.command)) return std::nullopt;
+        const auto isTyping = focus == KeyFocus::textField || focus == KeyFocus::numberField;
+        if (isTyping && editsText(key.command)) return std::nullopt;
         if (mode != ViewMode::loupe && isForSingleImage(key.command)) return std::nullopt;
         return WindowCommand{key.command};
     }
@@ -146,6 +148,7 @@ Command plain(int key, ViewMode mode) {
 } // namespace
 
 KeyFocus keyFocus(const QWidget* focusWidget) {
+    if (qobject_cast<const LightValueField*>(focusWidget)) return KeyFocus::numberField;
     // Text to read only is no field: the keys stay with the photos.
     const auto* text = qobject_cast<const QTextEdit*>(focusWidget);
     if (qobject_cast<const QLineEdit*>(focusWidget) || (text && !text->isReadOnly()) ||
@@ -180,6 +183,7 @@ Command windowCommand(int key, Qt::KeyboardModifiers modifiers, KeyFocus focus, 
     if (modifiers != Qt::NoModifier && !needsShift) return std::nullopt;
     if (focus == KeyFocus::textField) return inTextField(key);
     if (belongsTo(focus, key)) return std::nullopt;
+    if (focus == KeyFocus::numberField) return inTextField(key);
     return plain(key, mode);
 }
 

@@ -68,9 +68,9 @@ struct WindowCommand {
     }
 };
 
-/// Who has the keyboard. A text field keeps every key that types or edits; a button and a list keep Space,
-/// Return and the arrows, a slider the arrows.
-enum class KeyFocus { photos, textField, button, list, slider };
+/// Who has the keyboard. A text field keeps every key that types or edits; that of a number keeps
+/// Up and Down, too. A button and a list keep Space, Return and the arrows, a slider the arrows.
+enum class KeyFocus { photos, textField, numberField, button, list, slider };
 [[nodiscard]] KeyFocus keyFocus(const QWidget* focusWidget);
 
 /// The Latin letter, bracket or backslash at the place of a key that types one of another script, so that

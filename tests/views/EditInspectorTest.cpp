@@ -141,11 +141,37 @@ TEST_F(EditInspectorTest, doubleClicksKeysAndTypedNumbersSetASlider) {
     };
     for (const auto& [text, key, expected] :
          {Case{"-12,4", Qt::Key_Return, -12.4}, Case{"1e9", Qt::Key_Tab, 100}, Case{"x", Qt::Key_Return, 100},
-          Case{"7", Qt::Key_Escape, 100}, Case{"0", Qt::Key_Return, 0}}) {
+          Case{"7", Qt::Key_Escape, 100}, Case{"30", Qt::Key_Up, 31}, Case{"0", Qt::Key_Return, 0}}) {
         type(QString::fromUtf8(text), key);
         number.clearFocus();
         EXPECT_EQ(value(Slider::highlights), expected) << text;
     }
+    auto& typed = find<LightValueField>("Exposure");
+    typed.setFocus();
+    QTest::keyClick(&typed, Qt::Key_Down);
+    QTest::keyClick(&typed, Qt::Key_Down, Qt::AltModifier);
+    EXPECT_DOUBLE_EQ(value(Slider::exposure), -0.06);
+    m_history.undo(); // both at once
+    EXPECT_EQ(value(Slider::exposure), 0);
+}
+
+TEST_F(EditInspectorTest, whatIsTypedOrDraggedWhenAnotherPhotoComesIsOfThePhotoBefore) {
+    open();
+    auto& number = find<LightValueField>("Exposure");
+    number.setFocus();
+    number.selectAll();
+    QTest::keyClicks(&number, QStringLiteral("2"));
+    auto& contrast = find<LightSlider>("Contrast");
+    press(contrast, 0.5);
+    move(contrast, 0.75);
+    const auto dragged = value(Slider::contrast);
+    EXPECT_GT(dragged, 0);
+    focus(1);
+    move(contrast, 0.9);
+    number.clearFocus();
+    EXPECT_TRUE(m_edits.adjustments(photo(1)).isEmpty());
+    EXPECT_EQ(m_edits.adjustments(photo(0))[Slider::contrast], dragged);
+    EXPECT_EQ(m_edits.adjustments(photo(0))[Slider::exposure], 2);
 }
 
 TEST_F(EditInspectorTest, theWheelScrollsThePanelUnlessTheSliderHasTheKeyboard) {

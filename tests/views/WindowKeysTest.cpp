@@ -56,6 +56,11 @@ TEST(WindowKeysTest, aTextFieldKeepsWhatTypesAndGivesTheFocusBackOnUpDownReturnA
     }
     EXPECT_EQ(command(Qt::Key_Return, Qt::ControlModifier, KeyFocus::textField),
               WindowCommand{Kind::copyMarked});
+    // A number's arrows are its own.
+    for (const int key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Left, Qt::Key_5, Qt::Key_S, Qt::Key_Delete})
+        EXPECT_FALSE(command(key, Qt::NoModifier, KeyFocus::numberField)) << key;
+    for (const int key : {Qt::Key_Return, Qt::Key_Escape})
+        EXPECT_EQ(command(key, Qt::NoModifier, KeyFocus::numberField), WindowCommand{Kind::focusPhotos});
 }
 
 TEST(WindowKeysTest, aFocusedButtonIsPressedBySpaceAndReturnButLettersStillReachThePhotos) {
