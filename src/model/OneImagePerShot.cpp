@@ -11,10 +11,14 @@ namespace {
 /// The lower, the better.
 int rank(const PhotoItem& item) {
     switch (item.kind().value_or(MediaKind::video)) {
-    case MediaKind::jpeg: return 0;
-    case MediaKind::heif: return 1;
-    case MediaKind::raw: return 2;
-    case MediaKind::video: break;
+    case MediaKind::jpeg:
+        return 0;
+    case MediaKind::heif:
+        return 1;
+    case MediaKind::raw:
+        return 2;
+    case MediaKind::video:
+        break;
     }
     return 3;
 }

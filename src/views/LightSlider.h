@@ -8,8 +8,8 @@ namespace kelvara {
 
 /// Moves one value of a photo's light: a track that is filled from its middle, which is neutral.
 ///
-/// With Alt or Ctrl dragging is ten times finer and arrows take the smallest steps, with Shift large ones. The
-/// wheel turns it only while it has the keyboard, for it lies in what scrolls. A double-click is neutral.
+/// With Alt or Ctrl dragging is ten times finer and arrows take the smallest steps, with Shift large ones.
+/// The wheel turns it only while it has the keyboard, for it lies in what scrolls. A double-click is neutral.
 class LightSlider : public QAbstractSlider {
     Q_OBJECT
 

@@ -1,12 +1,12 @@
 #include "services/MetadataService.h"
 
 #include "imaging/codecs/Exiv2Setup.h"
+#include "imaging/metadata/TiffExcerpt.h"
 #include "samplecard/DNG.h"
 #include "samplecard/HEIC.h"
 #include "samplecard/JPEG.h"
 #include "services/metadata/ExifReader.h"
 #include "services/metadata/MetadataDump.h"
-#include "imaging/metadata/TiffExcerpt.h"
 #include "support/JpegMaker.h"
 #include "support/ManualExecutor.h"
 #include "support/TemporaryFolder.h"

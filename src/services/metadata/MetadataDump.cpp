@@ -1,8 +1,8 @@
 #include "services/metadata/MetadataDump.h"
 
+#include "imaging/metadata/LoadedMetadata.h"
 #include "model/ExifInfo.h"
 #include "services/metadata/ExifReader.h"
-#include "imaging/metadata/LoadedMetadata.h"
 #include "services/metadata/MetadataValues.h"
 
 #include <algorithm>
