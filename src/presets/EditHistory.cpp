@@ -21,7 +21,7 @@ void EditHistory::setSlider(Slider slider, double value, const FileURL& photo) {
     const Name name{Action::slider, slider};
     if (!continues(name, photo)) {
         beginGesture();
-        m_isOpen = replace(adjustments, {&photo, 1}, name);
+        m_isOpen = replace(adjustments, photo, name);
     } else {
         m_steps.back().edits.front().after = adjustments;
         m_store.setAdjustments(adjustments, photo);
@@ -30,17 +30,18 @@ void EditHistory::setSlider(Slider slider, double value, const FileURL& photo) {
 
 void EditHistory::setAutomatic(const LightAdjustments& adjustments, const FileURL& photo) {
     beginGesture();
-    replace(adjustments, {&photo, 1}, {Action::automatic});
+    replace(adjustments, photo, {Action::automatic});
 }
 
 void EditHistory::reset(const FileURL& photo) {
     beginGesture();
-    replace({}, {&photo, 1}, {Action::reset});
+    replace({}, photo, {Action::reset});
 }
 
 void EditHistory::paste(std::span<const FileURL> photos) {
     beginGesture();
-    if (const auto& copied = m_store.copiedAdjustments()) replace(*copied, photos, {Action::paste});
+    const auto& copied = m_store.copiedAdjustments();
+    if (copied && record(*copied, photos, {Action::paste})) m_store.pasteAdjustments(photos);
 }
 
 std::optional<EditHistory::Name> EditHistory::undoName() const {
@@ -61,7 +62,13 @@ std::vector<FileURL> EditHistory::redo() {
     return m_done < m_steps.size() ? apply(m_steps[m_done++], &Edit::after) : std::vector<FileURL>{};
 }
 
-bool EditHistory::replace(const LightAdjustments& adjustments, std::span<const FileURL> photos, Name name) {
+bool EditHistory::replace(const LightAdjustments& adjustments, const FileURL& photo, Name name) {
+    if (!record(adjustments, {&photo, 1}, name)) return false;
+    m_store.setAdjustments(adjustments, photo);
+    return true;
+}
+
+bool EditHistory::record(const LightAdjustments& adjustments, std::span<const FileURL> photos, Name name) {
     Step step{name, {}};
     for (const auto& photo : photos) {
         const auto before = m_store.adjustments(photo);
@@ -74,7 +81,6 @@ bool EditHistory::replace(const LightAdjustments& adjustments, std::span<const F
     if (m_steps.size() > mostSteps) m_steps.erase(m_steps.begin());
     m_done = m_steps.size();
     didChange(EditHistoryProperty::names);
-    apply(m_steps.back(), &Edit::after);
     return true;
 }
 

@@ -60,8 +60,9 @@ private:
         std::vector<Edit> edits;
     };
 
-    /// Whether that changed anything.
-    bool replace(const LightAdjustments& adjustments, std::span<const FileURL> photos, Name name);
+    /// Makes a step of what the photos have and are about to get. Whether that will change anything.
+    bool record(const LightAdjustments& adjustments, std::span<const FileURL> photos, Name name);
+    bool replace(const LightAdjustments& adjustments, const FileURL& photo, Name name);
     [[nodiscard]] bool continues(Name name, const FileURL& photo) const;
     std::vector<FileURL> apply(const Step& step, LightAdjustments Edit::*side);
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace kelvara {
 
@@ -78,6 +79,10 @@ void EditStore::setAdjustments(std::span<const LightAdjustments> adjustments,
 
 void EditStore::copyAdjustments(const FileURL& photo) {
     assign(EditProperty::copiedAdjustments, m_copied, std::optional{adjustments(photo)});
+}
+
+void EditStore::pasteAdjustments(std::span<const FileURL> photos) {
+    if (m_copied) setAdjustments(std::vector(photos.size(), *m_copied), photos);
 }
 
 std::optional<DevelopPreset> EditStore::exportLook(const std::optional<DevelopPreset>& preset,

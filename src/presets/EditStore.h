@@ -50,6 +50,8 @@ public:
 
     [[nodiscard]] const std::optional<LightAdjustments>& copiedAdjustments() const { return m_copied; }
     void copyAdjustments(const FileURL& photo);
+    /// Gives each photo the edits that were copied, if any were.
+    void pasteAdjustments(std::span<const FileURL> photos);
 
     /// Why the changes could not be written, one sentence; empty once they have been.
     [[nodiscard]] const std::string& saveError() const { return m_saveError; }

@@ -94,16 +94,21 @@ TEST_F(EditStoreTest, aBurstOfChangesIsWrittenOnce) {
     wait(); // for what is gone
 }
 
-TEST_F(EditStoreTest, editsAreCopiedAsTheyAre) {
+TEST_F(EditStoreTest, editsAreCopiedToOthers) {
     openLoaded();
-    EXPECT_EQ(store().copiedAdjustments(), std::nullopt);
+    store().pasteAdjustments({{other}});
     store().setAdjustments(light(1), raw);
     store().copyAdjustments(jpeg);
     store().setAdjustments(light(2), raw);
     EXPECT_EQ(store().copiedAdjustments(), light(1));
-    store().copyAdjustments(other);
-    EXPECT_EQ(store().copiedAdjustments(), LightAdjustments{}) << "no edits can be pasted too";
-    wait(); // for what is gone
+    store().pasteAdjustments({{other, raw}});
+    EXPECT_EQ(store().adjustments(other), light(1));
+    EXPECT_EQ(store().adjustments(raw), light(1));
+    store().copyAdjustments(FileURL{"/card/c.JPG"});
+    store().pasteAdjustments({{other}});
+    EXPECT_TRUE(store().adjustments(other).isEmpty()) << "no edits can be pasted too";
+    wait();
+    EXPECT_EQ(files.count(Operation::write), 1);
 }
 
 TEST_F(EditStoreTest, whatIsEditedBeforeTheFileIsReadWins) {
