@@ -1,10 +1,8 @@
 #pragma once
 
-#include "library/LibraryViewModel.h"
-#include "views/RootView.h"
+#include "app/ScreenshotStates.h"
 
 #include <QElapsedTimer>
-#include <QString>
 #include <QStringList>
 #include <QTimer>
 
@@ -28,15 +26,6 @@ public:
     [[nodiscard]] static QStringList names();
 
 private:
-    /// A state of the application that a picture shows.
-    struct State {
-        QString name;
-        std::function<void(LibraryViewModel&, RootView&)> enter;
-        /// Back to the grid as it was.
-        std::function<void(LibraryViewModel&, RootView&)> leave;
-    };
-    [[nodiscard]] static std::vector<State> allStates();
-
     void look();
     void enterNext();
     bool save(const QString& name);
@@ -46,7 +35,7 @@ private:
     RootView& m_window;
     QString m_folder;
     std::function<void(int)> m_onEnd;
-    std::vector<State> m_states; // to come; the first one is shown
+    std::vector<ScreenshotState> m_states; // to come; the first one is shown
     bool m_isEntered = false;
     int m_settledLooks = 0;
     QElapsedTimer m_sinceStep;

@@ -7,6 +7,8 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 namespace kelvara {
 
 namespace {
@@ -83,6 +85,7 @@ SharePicker::OnEnd SharingController::whenHandedOver(PhotosShared event, std::si
 void SharingController::make(std::vector<PhotoItem> photos, std::optional<ExportLook> look,
                              std::function<void(std::vector<FileURL>)> handOver) {
     if (photos.empty()) return;
+    m_waiting = {};
     m_running = std::make_shared<int>(0);
     const NewestValue<Progress> published{
         m_services.main, [this, running = std::weak_ptr{m_running}](const Progress& progress) {
@@ -100,7 +103,10 @@ void SharingController::make(std::vector<PhotoItem> photos, std::optional<Export
             endJob();
             if (!made) return addError(message(made.error()));
             if (!made->failures.empty()) addError(joined(made->failures));
-            if (!made->files.empty()) handOver(std::move(made->files));
+            if (made->files.empty()) return;
+            // One after the other, for a menu of targets would lie over the alert.
+            m_waiting = [handOver, files = std::move(made->files)] { handOver(files); };
+            if (m_error.empty()) clearError();
         });
 }
 
@@ -112,6 +118,11 @@ void SharingController::cancel() {
 void SharingController::endJob() {
     m_running.reset(); // what it still has to tell of its progress comes too late
     assign(SharingProperty::progress, m_progress, {});
+}
+
+void SharingController::clearError() {
+    assign(SharingProperty::error, m_error, {});
+    if (const auto handOver = std::exchange(m_waiting, {})) handOver();
 }
 
 void SharingController::addError(const std::string& sentence) {

@@ -55,9 +55,10 @@ public:
     /// Of the JPEGs being made; empty while none are.
     [[nodiscard]] const std::optional<Progress>& progress() const { return m_progress; }
     void cancel();
-    /// What went wrong, for an alert: a sentence on each line; empty for nothing.
+    /// What went wrong, for an alert: a sentence on each line; empty for nothing. While there is something,
+    /// the files that could be made wait.
     [[nodiscard]] const std::string& error() const { return m_error; }
-    void clearError() { assign(SharingProperty::error, m_error, {}); }
+    void clearError();
 
 private:
     void make(std::vector<PhotoItem> photos, std::optional<ExportLook> look,
@@ -70,6 +71,7 @@ private:
     LatestOnly m_job;
     std::optional<Progress> m_progress;
     std::string m_error;                                        // one line for each thing
+    std::function<void()> m_waiting;                            // hands over what was made nevertheless
     std::shared_ptr<int> m_running;                             // while JPEGs are made
     std::shared_ptr<int> m_lifetime = std::make_shared<int>(0); // gone with it
 };

@@ -73,15 +73,16 @@ void CopyButton::fillMenu() {
     exporting->setEnabled(count > 0);
     m_menu->addAction(tr("Change Destination…"), this, [this] { m_library.chooseCopyDestination(); });
     const auto addToggle = [this](const QString& title, bool isOn, auto set) {
-        auto* toggle = m_menu->addAction(title, this, [this, set](bool on) { (m_library.*set)(on); });
+        auto* toggle = m_menu->addAction(title, this, set);
         toggle->setCheckable(true);
         toggle->setChecked(isOn);
         return toggle;
     };
     addToggle(tr("Sort into Date Folders"), m_library.copiesIntoDateFolders(),
-              &LibraryViewModel::setCopiesIntoDateFolders);
-    addToggle(tr("Verify Copies"), m_library.verifiesCopies(), &LibraryViewModel::setVerifiesCopies)
-        ->setToolTip(tr("Reads every copy back and compares it with the original; takes longer"));
+              [this](bool on) { m_library.setCopiesIntoDateFolders(on); });
+    auto* verify = addToggle(tr("Verify Copies"), m_library.verifiesCopies(),
+                             [this](bool on) { m_library.setVerifiesCopies(on); });
+    verify->setToolTip(tr("Reads every copy back and compares it with the original; takes longer"));
     m_menu->addSeparator();
     m_menu->addAction(tr("Clear Marks"), this, [this] { m_library.clearMarks(); })->setEnabled(count > 0);
 }

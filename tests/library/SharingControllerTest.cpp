@@ -71,6 +71,8 @@ TEST_F(SharingControllerTest, jpegsAreMadeThenPickedAndCountedOnceHandedOver) {
     EXPECT_EQ(sharing.progress(), std::nullopt);
     EXPECT_GE(told.size(), 3U); // its beginning, its newest step, its end
     EXPECT_EQ(sharing.error(), "Couldn't read b.nef.");
+    EXPECT_THAT(m_picker.requests, IsEmpty()) << "the alert comes first";
+    sharing.clearError();
     ASSERT_THAT(m_picker.requests, SizeIs(1));
     EXPECT_THAT(m_picker.requests[0].files, SizeIs(2));
     EXPECT_EQ(m_picker.requests[0].anchor, anchor);
@@ -78,7 +80,6 @@ TEST_F(SharingControllerTest, jpegsAreMadeThenPickedAndCountedOnceHandedOver) {
     m_picker.requests[0].onEnd({});
     EXPECT_THAT(m_analytics.events, ElementsAre(UsageEvent{PhotosShared{.count = 2, .withEdits = true}}));
 
-    sharing.clearError();
     sharing.shareJPEGs({broken("b.nef")}, {});
     settle();
     EXPECT_EQ(sharing.error(), "Couldn't read b.nef.");

@@ -183,6 +183,8 @@ TEST_F(ShareTargetsTest, withoutAPortalTheCommandWritesTheEmail) {
 }
 
 TEST_F(ShareTargetsTest, devicesNearbyAreThoseThatAreReachableAndPaired) {
+    NearbyDevices withoutBus{QDBusConnection{QStringLiteral("nowhere")}};
+    EXPECT_THAT(found(withoutBus), IsEmpty());
     NearbyDevices devices{m_bus.connect()};
     EXPECT_THAT(found(devices), IsEmpty());
     provide("org.kde.kdeconnect");
