@@ -87,7 +87,7 @@ double LightSlider::atStep(double amount, Qt::KeyboardModifiers modifiers) const
     const auto isFine = LightSteps::isFine(modifiers);
     if (!isFine && std::abs(amount) < neutralReach / span() * Light::limit(m_slider)) return 0;
     const auto step = isFine ? LightSteps::fine(m_slider) : LightSteps::plain(m_slider);
-    return std::round(amount / step) * step;
+    return LightSteps::rounded(amount, step);
 }
 
 void LightSlider::moveTo(double amount) {
