@@ -17,11 +17,12 @@ namespace {
 
 /// The source pixels along one axis that each result pixel is a weighted sum of.
 std::vector<WeightedSums::Stretch> stretches(int from, int to, std::vector<float>& weights) {
-    constexpr double lobes = 3;
     const auto sinc = [](double x) {
         return x == 0 ? 1 : std::sin(std::numbers::pi * x) / (std::numbers::pi * x);
     };
     const double step = static_cast<double>(from) / to;
+    constexpr double large = 4; // from which on nobody sees a difference, but more lobes take long
+    const double lobes = step < large ? 3 : 1;
     std::vector<WeightedSums::Stretch> result;
     for (int i = 0; i < to; ++i) {
         const double middle = (i + 0.5) * step - 0.5;
