@@ -38,6 +38,11 @@ public:
         std::free(block);
     }
 
+    void dropSpare() {
+        const std::lock_guard lock{m_mutex};
+        std::free(std::exchange(m_spare, nullptr));
+    }
+
 private:
     static constexpr std::size_t largePage = std::size_t{2} << 20;
     static constexpr std::size_t smallestKept = 4 * largePage;
@@ -71,6 +76,8 @@ Bitmap::Bitmap(PixelSize size, ColorProfilePtr profile, PixelFormat format)
                                                                                     std::move(profile)} {}
 
 Bitmap::~Bitmap() { pixelBlocks().giveBack(m_data, byteCount()); }
+
+void Bitmap::dropSpareMemory() { pixelBlocks().dropSpare(); }
 
 std::unique_ptr<Bitmap> Bitmap::create(PixelSize size, ColorProfilePtr profile, PixelFormat format) {
     if (size.isEmpty() || size.pixels() > maximumPixels) return nullptr;

@@ -49,6 +49,9 @@ public:
     [[nodiscard]] static std::unique_ptr<Bitmap> create(PixelSize size, ColorProfilePtr profile,
                                                         PixelFormat format = PixelFormat::bgrx8);
     ~Bitmap();
+    /// The memory of the last large picture waits for the next one; this gives it back, before something that
+    /// takes much itself. Any thread.
+    static void dropSpareMemory();
     Bitmap(const Bitmap&) = delete;
     Bitmap& operator=(const Bitmap&) = delete;
 

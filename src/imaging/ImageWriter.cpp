@@ -1,6 +1,6 @@
 #include "imaging/ImageWriter.h"
 
-#include "imaging/AreaScaler.h"
+#include "imaging/PictureScaler.h"
 #include "imaging/writing/CarriedMetadata.h"
 #include "imaging/writing/Encoders.h"
 #include "text/Localized.h"

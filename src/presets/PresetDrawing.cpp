@@ -148,6 +148,43 @@ std::optional<LocalContrast> localContrast(const DevelopPreset& preset, double s
     return LocalContrast::make(source, stages, stop);
 }
 
+PixelFormat formatOf(Depth depth) { return depth == Depth::eight ? PixelFormat::bgrx8 : PixelFormat::bgrx16; }
+
+/// Draws `source` into `result`, which may be the same. False when memory is short or `stop` was requested.
+bool draw(const DevelopPreset& preset, const ColorCube& cube, const Bitmap& source, Bitmap& result,
+          const std::stop_token& stop) {
+    const auto size = source.size();
+    const double strength = std::clamp(preset.amount, 0.0, 1.0);
+    const auto contrast = localContrast(preset, strength, source, stop);
+    if (!contrast) return false;
+    const Coloring coloring{preset, cube, result.profile()};
+    std::optional<Vignette> vignette;
+    std::optional<Grain> grain;
+    if (strength > 0) {
+        if (preset.look.vignette) vignette.emplace(*preset.look.vignette, size);
+        if (preset.look.grain) grain.emplace(*preset.look.grain, size);
+    }
+    const Stages stages{*contrast, coloring, vignette, grain};
+    const int band = rowsOfBand(size);
+    for (int top = 0; top < size.height; top += band) {
+        if (stop.stop_requested()) return false;
+        const int rows = std::min(band, size.height - top);
+        constexpr std::int64_t fewestPixels = 1 << 18;
+        forRowSlices(
+            rows, std::int64_t{rows} * size.width,
+            [&](int begin, int end) {
+                Chunk chunk;
+                LocalContrast::Rows contrastRows{*contrast};
+                for (int y = top + begin; y < top + end; ++y) {
+                    contrastRows.moveTo(y);
+                    stages.drawRow(source, result, y, contrastRows, chunk);
+                }
+            },
+            fewestPixels);
+    }
+    return true;
+}
+
 } // namespace
 
 int rowsOfBand(PixelSize size) {
@@ -160,39 +197,18 @@ bool changesNothing(const DevelopPreset& preset) {
 
 BitmapPtr drawn(const DevelopPreset& preset, const ColorCube& cube, const Bitmap& source, Depth depth,
                 const std::stop_token& stop) {
-    const auto size = source.size();
-    const double strength = std::clamp(preset.amount, 0.0, 1.0);
     const auto profile = source.profile() ? source.profile() : ColorProfile::sRGB();
-    std::shared_ptr<Bitmap> result =
-        Bitmap::create(size, profile, depth == Depth::eight ? PixelFormat::bgrx8 : PixelFormat::bgrx16);
-    const auto contrast = result ? localContrast(preset, strength, source, stop) : std::nullopt;
-    if (!contrast) return nullptr;
-    const Coloring coloring{preset, cube, profile};
-    std::optional<Vignette> vignette;
-    std::optional<Grain> grain;
-    if (strength > 0) {
-        if (preset.look.vignette) vignette.emplace(*preset.look.vignette, size);
-        if (preset.look.grain) grain.emplace(*preset.look.grain, size);
-    }
-    const Stages stages{*contrast, coloring, vignette, grain};
-    const int band = rowsOfBand(size);
-    for (int top = 0; top < size.height; top += band) {
-        if (stop.stop_requested()) return nullptr;
-        const int rows = std::min(band, size.height - top);
-        constexpr std::int64_t fewestPixels = 1 << 18;
-        forRowSlices(
-            rows, std::int64_t{rows} * size.width,
-            [&](int begin, int end) {
-                Chunk chunk;
-                LocalContrast::Rows contrastRows{*contrast};
-                for (int y = top + begin; y < top + end; ++y) {
-                    contrastRows.moveTo(y);
-                    stages.drawRow(source, *result, y, contrastRows, chunk);
-                }
-            },
-            fewestPixels);
-    }
+    std::shared_ptr<Bitmap> result = Bitmap::create(source.size(), profile, formatOf(depth));
+    if (!result || !draw(preset, cube, source, *result, stop)) return nullptr;
     return result;
+}
+
+BitmapPtr redrawn(const DevelopPreset& preset, const ColorCube& cube, BitmapPtr source, Depth depth,
+                  const std::stop_token& stop) {
+    if (source.use_count() > 1 || source->format() != formatOf(depth) || !source->profile())
+        return drawn(preset, cube, *source, depth, stop);
+    auto& own = const_cast<Bitmap&>(*source); // nobody else sees it
+    return draw(preset, cube, own, own, stop) ? source : nullptr;
 }
 
 } // namespace kelvara

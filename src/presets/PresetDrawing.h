@@ -19,5 +19,9 @@ constexpr std::int64_t mostBandPixels = 4'000'000;
 /// or `stop` was requested. Works on all cores, and blocks; any thread.
 [[nodiscard]] BitmapPtr drawn(const DevelopPreset& preset, const ColorCube& cube, const Bitmap& source,
                               Depth depth, const std::stop_token& stop);
+/// The same, in the picture's own memory where that fits and nobody else holds it. `source` was never held by
+/// another thread.
+[[nodiscard]] BitmapPtr redrawn(const DevelopPreset& preset, const ColorCube& cube, BitmapPtr source,
+                                Depth depth, const std::stop_token& stop);
 
 } // namespace kelvara

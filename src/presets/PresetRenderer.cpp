@@ -41,7 +41,7 @@ BitmapPtr PresetRenderer::apply(const DevelopPreset& preset, BitmapPtr bitmap, D
                                 const std::stop_token& stop) {
     if (!bitmap || stop.stop_requested()) return nullptr;
     if (changesNothing(preset)) return bitmap;
-    return drawn(preset, ColorCube{preset}, *bitmap, depth, stop);
+    return redrawn(preset, ColorCube{preset}, std::move(bitmap), depth, stop);
 }
 
 BitmapPtr PresetRenderer::cached(const DevelopPreset& preset, const FileURL& url,

@@ -31,7 +31,8 @@ public:
 
     /// The picture as the preset draws it, of the same size and colour space, with 8 or 16 bits a channel;
     /// `bitmap` itself when the preset changes nothing. Null for null, when memory is short or `stop` was
-    /// requested. Blocks; any thread.
+    /// requested. Who moves the only reference in, which no other thread ever held, gets the same bitmap
+    /// drawn over where it fits. Blocks; any thread.
     [[nodiscard]] static BitmapPtr apply(const DevelopPreset& preset, BitmapPtr bitmap, Depth depth,
                                          const std::stop_token& stop);
 

@@ -1,6 +1,6 @@
 #include "services/PresetTileService.h"
 
-#include "imaging/AreaScaler.h"
+#include "imaging/PictureScaler.h"
 #include "presets/ColorCube.h"
 #include "presets/PresetDrawing.h"
 

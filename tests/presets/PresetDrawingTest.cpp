@@ -379,6 +379,19 @@ TEST(PresetDrawingTest, nothingToDoGivesTheSourceAndNothingWantedNothing) {
     EXPECT_EQ(drawn(tried, ColorCube{tried}, *source, Depth::eight, stop.get_token()), nullptr);
 }
 
+TEST(PresetDrawingTest, whoGivesAPictureAwayGetsItDrawnOver) {
+    const auto all = preset({{"Clarity2012", 50.0}, {"Exposure2012", 1.0}, {"GrainAmount", 50.0}});
+    auto given = mixedPicture({90, 70});
+    const auto* const address = given.get();
+    const auto expected = draw(all, given);
+    const auto widened = PresetRenderer::apply(all, mixedPicture({90, 70}), Depth::full, {});
+    const auto drawn = PresetRenderer::apply(all, std::move(given), Depth::eight, {});
+    EXPECT_NE(expected.get(), address);
+    EXPECT_EQ(drawn.get(), address);
+    EXPECT_EQ(std::memcmp(drawn->data(), expected->data(), expected->byteCount()), 0);
+    EXPECT_EQ(widened->format(), PixelFormat::bgrx16);
+}
+
 TEST(PresetDrawingTest, settingsBeyondAllMeasureAreDrawn) {
     const double huge = 1e308;
     const auto source = mixedPicture({90, 70});

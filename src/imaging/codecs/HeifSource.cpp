@@ -1,6 +1,6 @@
 #include "imaging/codecs/HeifSource.h"
 
-#include "imaging/AreaScaler.h"
+#include "imaging/PictureScaler.h"
 #include "imaging/ColorTransform.h"
 #include "imaging/codecs/HeifObjects.h"
 

@@ -1,6 +1,6 @@
 #include "imaging/codecs/JpegDecoder.h"
 
-#include "imaging/AreaScaler.h"
+#include "imaging/PictureScaler.h"
 #include "imaging/ColorTransform.h"
 #include "imaging/codecs/JpegSession.h"
 

@@ -1,6 +1,6 @@
 #include "imaging/codecs/JpegSource.h"
 
-#include "imaging/AreaScaler.h"
+#include "imaging/PictureScaler.h"
 #include "imaging/Letterbox.h"
 #include "imaging/codecs/ExifBlock.h"
 #include "imaging/codecs/JpegDecoder.h"

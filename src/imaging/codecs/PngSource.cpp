@@ -1,6 +1,6 @@
 #include "imaging/codecs/PngSource.h"
 
-#include "imaging/AreaScaler.h"
+#include "imaging/PictureScaler.h"
 #include "imaging/codecs/ExifBlock.h"
 #include "imaging/codecs/PngSession.h"
 

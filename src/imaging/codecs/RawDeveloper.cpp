@@ -1,6 +1,6 @@
 #include "imaging/codecs/RawDeveloper.h"
 
-#include "imaging/AreaScaler.h"
+#include "imaging/PictureScaler.h"
 
 #include <libraw/libraw.h>
 

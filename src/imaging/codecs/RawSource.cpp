@@ -1,6 +1,6 @@
 #include "imaging/codecs/RawSource.h"
 
-#include "imaging/AreaScaler.h"
+#include "imaging/PictureScaler.h"
 #include "imaging/codecs/ExifBlock.h"
 #include "imaging/codecs/Exiv2Setup.h"
 #include "imaging/codecs/JpegDecoder.h"

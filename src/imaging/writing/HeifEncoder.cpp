@@ -132,6 +132,7 @@ std::optional<std::string> encodedHeif(BitmapPtr image, PixelFormat format, doub
     {
         const auto input = heifImage(*image, format, blocks);
         image.reset();
+        Bitmap::dropSpareMemory(); // the encoder takes several times as much
         if (!input || stop.stop_requested()) return std::nullopt;
         if (!heifWorked(
                 heif_context_encode_image(context.get(), input.get(), encoder.get(), nullptr, &handle)))

@@ -74,9 +74,11 @@ void configure(jpeg_compress_struct& state, const Bitmap& image, double quality)
     state.in_color_space = JCS_EXT_BGRX;
     jpeg_set_defaults(&state);
     jpeg_set_quality(&state, static_cast<int>(std::lround(quality * 100)), TRUE);
-    const int sampling = quality >= fullColorQuality ? 1 : 2;
-    state.comp_info[0].h_samp_factor = state.comp_info[0].v_samp_factor = sampling;
-    state.optimize_coding = TRUE;
+    const bool isFine = quality >= fullColorQuality;
+    state.comp_info[0].h_samp_factor = state.comp_info[0].v_samp_factor = isFine ? 1 : 2;
+    // Codes made for the picture more than double the time and hold it in memory once more. Measured on
+    // photos: fine ones get smaller by 1 %, others by 5 to 15 %.
+    state.optimize_coding = isFine ? FALSE : TRUE;
 }
 
 void writeMarker(jpeg_compress_struct& state, std::string_view signature, const void* bytes,

@@ -11,9 +11,9 @@ namespace kelvara {
 
 /// A picture of size `wanted` from one of size `given`, which is at least as large, that comes row by row
 /// from the top: `readRow(y, row)` writes `given.width` pixels of `format`, or returns false when there are
-/// no more rows, and the rest becomes grey. Scales while the rows arrive, so no full-size copy is held; each
-/// result pixel is the average of the area that it covers, so nothing aliases. Null when there is no row at
-/// all, memory is short or `stop` was requested.
+/// no more rows, and the rest becomes grey. Scales while the rows arrive, so no full-size copy is held, with
+/// Lanczos' filter of three lobes, so that it is as sharp as it can be without aliasing. Null when there is
+/// no row at all, memory is short or `stop` was requested.
 [[nodiscard]] std::unique_ptr<Bitmap>
 collectRows(PixelSize given, PixelSize wanted, ColorProfilePtr profile, const std::stop_token& stop,
             const std::function<bool(int y, std::uint8_t* row)>& readRow,
