@@ -44,17 +44,21 @@ std::vector<WeightedSums::Stretch> stretches(int from, int to, std::vector<float
 /// Scales rows as they come, keeping as many as a result row is made of.
 class PictureScaler {
 public:
-    PictureScaler(PixelSize from, Bitmap& to)
-        : m_to{to}, m_columns{stretches(from.width, to.width(), m_columnWeights)},
+    PictureScaler(PixelSize from, PixelFormat format, Bitmap& to)
+        : m_to{to}, m_format{format}, m_columns{stretches(from.width, to.width(), m_columnWeights)},
           m_rows{stretches(from.height, to.height(), m_rowWeights)},
           m_samples(static_cast<std::size_t>(from.width) * 4), m_rowBytes{(m_samples + WeightedSums::more) *
-                                                                          bytesPerPixel(to.format()) / 4},
+                                                                          bytesPerPixel(format) / 4},
           m_kept(static_cast<std::size_t>(std::ranges::max_element(m_rows, {}, &Stretch::count)->count)),
-          m_ring(m_kept * m_rowBytes), m_sums(m_samples + WeightedSums::more) {}
+          m_ring(m_kept * m_rowBytes), m_sums(m_samples + WeightedSums::more) {
+        if (format == PixelFormat::bgrx16 || to.format() == PixelFormat::bgrx8) return;
+        constexpr float sixteenBits = 65535.0F / 255;
+        for (auto& weight : m_rowWeights) weight *= sixteenBits;
+    }
 
     /// Where the next source row goes, from the top.
     [[nodiscard]] std::span<std::uint8_t> nextRow() {
-        return {slot(m_nextRow), m_samples * bytesPerPixel(m_to.format()) / 4};
+        return {slot(m_nextRow), m_samples * bytesPerPixel(m_format) / 4};
     }
     /// The row is there.
     void addRow() {
@@ -77,11 +81,12 @@ private:
         for (int i = 0; i < stretch.count; ++i) m_taken.push_back(slot(stretch.first + i));
         const auto* weights = m_rowWeights.data() + stretch.weights;
         const auto row = m_to.row(m_resultRow++);
-        WeightedSums::ofRows(m_to.format(), m_taken, weights, m_sums.data(), m_samples);
+        WeightedSums::ofRows(m_format, m_taken, weights, m_sums.data(), m_samples);
         WeightedSums::ofPixels(m_sums.data(), m_columns, m_columnWeights.data(), m_to.format(), row.data());
     }
 
     Bitmap& m_to;
+    PixelFormat m_format; // of the source rows
     std::vector<float> m_columnWeights, m_rowWeights;
     std::vector<Stretch> m_columns, m_rows;
     std::size_t m_samples;  // of a source row
@@ -108,11 +113,13 @@ void fillGrey(std::span<std::uint8_t> row, PixelFormat format) {
 std::unique_ptr<Bitmap> collectRows(PixelSize given, PixelSize wanted, ColorProfilePtr profile,
                                     const std::stop_token& stop,
                                     const std::function<bool(int y, std::uint8_t* row)>& readRow,
-                                    PixelFormat format) {
-    auto result = Bitmap::create(wanted, std::move(profile), format);
+                                    PixelFormat format, std::optional<PixelFormat> scaledFormat) {
+    const auto isScaled = given != wanted;
+    auto result =
+        Bitmap::create(wanted, std::move(profile), isScaled ? scaledFormat.value_or(format) : format);
     if (!result) return nullptr;
     std::optional<PictureScaler> scaler;
-    if (given != wanted) scaler.emplace(given, *result);
+    if (isScaled) scaler.emplace(given, format, *result);
     bool hasEnded = false;
     for (int y = 0; y < given.height; ++y) {
         if (stop.stop_requested()) return nullptr;

@@ -2,9 +2,6 @@
 
 #include <libheif/heif.h>
 
-// The encoder, which only tests use, keeps some memory to the end.
-extern "C" const char* __lsan_default_suppressions() { return "leak:libx265"; }
-
 namespace kelvara {
 namespace {
 

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <functional>
+#include <set>
 
 namespace kelvara {
 namespace {
@@ -55,6 +56,21 @@ TEST(PictureScalerTest, keepsWhatIsThereAndDropsWhatIsTooFine) {
             }
         }
     }
+}
+
+TEST(PictureScalerTest, sumsOfEightBitsKnowMore) {
+    const auto smooth = collectRows(
+        {300, 3}, {150, 1}, ColorProfile::sRGB(), {},
+        [](int, std::uint8_t* row) {
+            for (int i = 0; i < 1200; ++i) row[i] = static_cast<std::uint8_t>(100 + i / 4 / 3);
+            return true;
+        },
+        PixelFormat::bgrx8, PixelFormat::bgrx16);
+    std::set<double> levels;
+    for (int x = 0; x < 150; ++x) levels.insert(blue(*smooth, x, 0));
+    EXPECT_GT(levels.size(), 140) << "of 100 in the rows";
+    EXPECT_NEAR(*levels.begin(), 100 / 255.0, 1e-3);
+    EXPECT_NEAR(*levels.rbegin(), 199 / 255.0, 1e-3);
 }
 
 TEST(PictureScalerTest, edgesStaySharpInPlaceAndWithinTheNumbers) {

@@ -16,12 +16,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#if defined(__SANITIZE_ADDRESS__)
-// The HEVC encoder, which only tests use, keeps a few kilobytes of each picture.
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() { return "leak:libx265"; }
-#endif
-
 namespace kelvara {
 namespace {
 

@@ -14,12 +14,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#if defined(__SANITIZE_ADDRESS__)
-// The HEVC encoder keeps a few kilobytes of each picture.
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() { return "leak:libx265"; }
-#endif
-
 namespace kelvara::samplecard {
 namespace {
 

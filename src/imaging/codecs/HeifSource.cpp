@@ -1,7 +1,7 @@
 #include "imaging/codecs/HeifSource.h"
 
-#include "imaging/PictureScaler.h"
 #include "imaging/ColorTransform.h"
+#include "imaging/PictureScaler.h"
 #include "imaging/codecs/HeifObjects.h"
 
 #include <algorithm>

@@ -35,7 +35,7 @@ public:
     /// The image itself, its longest side at most `maximum` where given. A damaged file gives what can be
     /// decoded.
     [[nodiscard]] virtual BitmapPtr image(std::optional<int> maximum, const std::stop_token& stop) = 0;
-    /// The same with 16 bits a channel where the file has more than eight.
+    /// The same with 16 bits a channel where the file has more than eight, or scaling makes more of them.
     [[nodiscard]] virtual BitmapPtr deepImage(std::optional<int> maximum, const std::stop_token& stop) {
         return image(maximum, stop);
     }

@@ -1,7 +1,7 @@
 #include "imaging/codecs/JpegDecoder.h"
 
-#include "imaging/PictureScaler.h"
 #include "imaging/ColorTransform.h"
+#include "imaging/PictureScaler.h"
 #include "imaging/codecs/JpegSession.h"
 
 #include <algorithm>
@@ -209,8 +209,10 @@ BitmapPtr decodeJpeg(const ByteRange& bytes, const JpegRequest& request, const s
     if (!session.guarded([&] { start(state); })) return nullptr;
     const PixelSize given{static_cast<int>(state.output_width), static_cast<int>(state.output_height)};
     RowReader reader{session, converter};
-    auto image = collectRows(given, wanted, converter.profile(), stop,
-                             [&reader](int, std::uint8_t* row) { return reader.read(row); });
+    auto image = collectRows(
+        given, wanted, converter.profile(), stop,
+        [&reader](int, std::uint8_t* row) { return reader.read(row); }, PixelFormat::bgrx8,
+        request.isDeep ? PixelFormat::bgrx16 : PixelFormat::bgrx8);
     return turnedUpright(std::move(image), request.orientation, stop);
 }
 

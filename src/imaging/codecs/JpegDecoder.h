@@ -23,6 +23,7 @@ struct JpegRequest {
     std::optional<int> maximum; ///< Most pixels of the longest side.
     Orientation orientation;    ///< Applied to the result.
     ColorProfilePtr profile;    ///< Of the stored numbers; null is sRGB, or the usual grey or ink.
+    bool isDeep = false;        ///< 16 bits a channel where scaling makes something of them.
 };
 
 /// Empty when the bytes don't begin with a JPEG that can be decoded.

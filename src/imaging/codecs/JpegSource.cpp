@@ -1,7 +1,7 @@
 #include "imaging/codecs/JpegSource.h"
 
-#include "imaging/PictureScaler.h"
 #include "imaging/Letterbox.h"
+#include "imaging/PictureScaler.h"
 #include "imaging/codecs/ExifBlock.h"
 #include "imaging/codecs/JpegDecoder.h"
 #include "imaging/codecs/MultiPicture.h"
@@ -39,6 +39,10 @@ public:
             if (auto preview = previewFor(*maximum, stop)) return preview;
         }
         return decodeJpeg(m_bytes, {maximum, m_exif.orientation, m_profile}, stop);
+    }
+
+    [[nodiscard]] BitmapPtr deepImage(std::optional<int> maximum, const std::stop_token& stop) override {
+        return decodeJpeg(m_bytes, {maximum, m_exif.orientation, m_profile, true}, stop);
     }
 
 private:
