@@ -8,6 +8,7 @@
 #include <bit>
 #include <cmath>
 #include <cstddef>
+#include <mutex>
 
 namespace kelvara {
 namespace {
@@ -108,6 +109,25 @@ HeifOwned<heif_encoder> hevcEncoder(heif_context* context, double quality) {
     return result;
 }
 
+/// Encodes a small picture, once: the encoder's first steps fill tables of the machine's processors and
+/// memory without a lock, which later ones only read.
+void prepareEncoder() {
+    static std::once_flag prepared;
+    std::call_once(prepared, [] {
+        constexpr PixelSize size{64, 64};
+        const HeifOwned<heif_context> context{heif_context_alloc()};
+        const auto encoder = context ? hevcEncoder(context.get(), 0.5) : nullptr;
+        const auto bitmap = Bitmap::create(size, ColorProfile::sRGB(), PixelFormat::bgrx8);
+        const auto image = encoder && bitmap ? heifImage(*bitmap, PixelFormat::bgrx8, {}) : nullptr;
+        if (!image) return;
+        heif_image_handle* handle = nullptr;
+        // Where this fails, so will the picture itself.
+        static_cast<void>(
+            heif_context_encode_image(context.get(), image.get(), encoder.get(), nullptr, &handle));
+        const HeifOwned<heif_image_handle> encoded{handle};
+    });
+}
+
 std::optional<std::string> written(heif_context* context) {
     std::string file;
     heif_writer writer{};
@@ -124,6 +144,7 @@ std::optional<std::string> written(heif_context* context) {
 
 std::optional<std::string> encodedHeif(BitmapPtr image, PixelFormat format, double quality,
                                        const EmbeddedBlocks& blocks, const std::stop_token& stop) {
+    prepareEncoder();
     const HeifOwned<heif_context> context{heif_context_alloc()};
     if (!context) return std::nullopt;
     const auto encoder = hevcEncoder(context.get(), quality);
