@@ -99,6 +99,15 @@ paused() {
   wait "$process" || code=$?
   return "$code"
 }
+
+# kill_within MICROSECONDS PROCESS: kills a job of the script at any moment of that time.
+kill_within() {
+  local moment=$(($1 * (RANDOM * 32768 + RANDOM) / 1073741824))
+  sleep "$((moment / 1000000)).$(printf '%06d' $((moment % 1000000)))"
+  kill -KILL "$2" 2>/dev/null || true
+  wait "$2" 2>/dev/null || true
+}
+
 # code EXPECTED COMMAND...: runs it and compares its exit code.
 code() {
   local expected=$1 code=0

@@ -19,11 +19,7 @@ most=0
 for ((round = 1; round <= rounds; ++round)); do
   target=$work/target
   "$cli" copy "$card" "$target" "${options[@]}" >/dev/null 2>&1 &
-  process=$!
-  moment=$((lasts * (RANDOM * 32768 + RANDOM) / 1073741824))
-  sleep "$((moment / 1000000)).$(printf '%06d' $((moment % 1000000)))"
-  kill -KILL "$process" 2>/dev/null || true
-  wait "$process" 2>/dev/null || true
+  kill_within "$lasts" $!
 
   there=0
   if [[ -d $target ]]; then
